@@ -1,0 +1,9 @@
+/* The libzentrel.so interface as zentrelLibTest uses it. */
+#ifndef ZENTREL_H
+#define ZENTREL_H
+
+#include "zentrel_types.h"
+#include "zentrel_frontend.h"
+#include "zentrel_settings.h"
+
+#endif

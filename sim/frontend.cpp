@@ -1,0 +1,178 @@
+// Library session, discovery and device information of the simulated switches.
+#include <cstring>
+
+#include "sim.h"
+
+namespace sim {
+
+namespace {
+
+// Two switches behind one SMBus segment: a current-generation switch of the
+// main family and an older one of the alternate (0xC034) family.
+struct Defaults {
+    uint32_t fwVersion;
+    uint32_t apiVersion;
+    uint32_t generation;
+    uint16_t deviceId;
+    uint32_t productNumber;
+    uint8_t pcieBus;
+};
+const Defaults kDefaults[] = {
+    {0x04140A02, 0x02030000, 3, 0xC010, 0x00009A10, 0x01},
+    {0x03050211, 0x02010000, 1, 0xC034, 0x00009A34, 0x05},
+};
+
+// "a.b.c.d" (or "a.b") packed most significant byte first, or a plain number.
+bool ReadVersion(const Json &value, uint32_t *out, std::string *error) {
+    if (value.is_string()) {
+        std::string text = value.get<std::string>();
+        unsigned parts[4] = {0, 0, 0, 0};
+        int n = 0;
+        char tail = 0;
+        int got = sscanf(text.c_str(), "%u.%u.%u.%u%c", &parts[0], &parts[1], &parts[2], &parts[3], &tail);
+        for (n = 0; n < 4 && n < got; ++n)
+            if (parts[n] > 255) got = -1;
+        if (text.find('.') != std::string::npos && got >= 2 && got <= 4) {
+            *out = parts[0] << 24 | parts[1] << 16 | parts[2] << 8 | parts[3];
+            return true;
+        }
+    }
+    uint64_t v = 0;
+    if (!ReadNumber(value, UINT32_MAX, &v, error)) {
+        *error = "a version is \"a.b.c.d\" or a number; " + *error;
+        return false;
+    }
+    *out = static_cast<uint32_t>(v);
+    return true;
+}
+
+// {"offset": [byte, ...], ...}: raw bytes of the device information record.
+bool ReadInfoBytes(const Json &value, ZENTREL_DEVICE_INFO *info, std::string *error) {
+    if (!value.is_object()) {
+        *error = "must map offsets to lists of bytes";
+        return false;
+    }
+    uint8_t *raw = reinterpret_cast<uint8_t *>(info);
+    for (auto it = value.begin(); it != value.end(); ++it) {
+        uint64_t offset = 0, byte = 0;
+        if (!ReadNumber(Json(it.key()), sizeof *info - 1, &offset, error)) return false;
+        if (!it->is_array() || offset + it->size() > sizeof *info) {
+            *error = "bytes at " + it.key() + " must be a list that ends within the 1392 bytes";
+            return false;
+        }
+        for (size_t i = 0; i < it->size(); ++i) {
+            if (!ReadNumber((*it)[i], 0xFF, &byte, error)) return false;
+            raw[offset + i] = static_cast<uint8_t>(byte);
+        }
+    }
+    return true;
+}
+
+template <typename T>
+int Store(const Json &value, T *field, std::string *error) {
+    uint64_t v = 0;
+    if (!ReadNumber(value, static_cast<T>(~static_cast<T>(0)), &v, error)) return -1;
+    *field = static_cast<T>(v);
+    return 1;
+}
+
+}  // namespace
+
+void SetFrontendDefaults(Device &device, size_t index) {
+    const Defaults &d = kDefaults[index < 2 ? index : 0];
+    memset(&device.info, 0, sizeof device.info);
+    device.info.Handle = 0x100 + static_cast<uint32_t>(index);
+    device.info.FwVersion = d.fwVersion;
+    device.info.SmApiVersion = d.apiVersion;
+    device.info.DeviceGeneration = d.generation;
+    device.info.DeviceId = d.deviceId;
+    device.info.ProductNumber = d.productNumber;
+    device.info.ProductType = ZENTREL_PRODUCT_TYPE_SWITCH;
+    device.smbusAddress = 0x59;
+    device.smbusBus = 1;
+    device.pcieBus = static_cast<uint8_t>(index < 2 ? d.pcieBus : 0x10 + index);
+    device.pcieDevice = 0;
+    device.pcieFunction = 0;
+}
+
+int ApplyFrontendKey(Device &device, const std::string &key, const Json &value, std::string *error) {
+    ZENTREL_DEVICE_INFO &info = device.info;
+    if (key == "handle") return Store(value, &info.Handle, error);
+    if (key == "fwVersion") return ReadVersion(value, &info.FwVersion, error) ? 1 : -1;
+    if (key == "apiVersion") return ReadVersion(value, &info.SmApiVersion, error) ? 1 : -1;
+    if (key == "generation") return Store(value, &info.DeviceGeneration, error);
+    if (key == "deviceId") return Store(value, &info.DeviceId, error);
+    if (key == "productNumber") return Store(value, &info.ProductNumber, error);
+    if (key == "productType") return Store(value, &info.ProductType, error);
+    if (key == "infoBytes") return ReadInfoBytes(value, &info, error) ? 1 : -1;
+    if (key == "smbusAddress") return Store(value, &device.smbusAddress, error);
+    if (key == "smbusBus") return Store(value, &device.smbusBus, error);
+    if (key == "pcieBus") return Store(value, &device.pcieBus, error);
+    if (key == "pcieDevice") return Store(value, &device.pcieDevice, error);
+    if (key == "pcieFunction") return Store(value, &device.pcieFunction, error);
+    return 0;
+}
+
+}  // namespace sim
+
+using sim::Call;
+
+ZENTREL_API ZENTREL_STATUS ZentrelInitialize(void) {
+    Call call(__func__);
+    if (!call.Proceed(false)) return call.Result();
+    call.Model().initialized = true;
+    return call.Return(ZENTREL_STATUS_SUCCESS);
+}
+
+ZENTREL_API ZENTREL_STATUS ZentrelExit(void) {
+    Call call(__func__);
+    if (!call.Proceed()) return call.Result();
+    call.Model().initialized = false;
+    return call.Return(ZENTREL_STATUS_SUCCESS);
+}
+
+// Over SMBus (a device address is given) a switch answers when its address
+// and segment match. In band (address 0) every switch answers to a PCIe
+// location of 0/0/0, otherwise only the one at that bus, device and function.
+ZENTREL_API ZENTREL_STATUS ZentrelDiscoverDevices(uint32_t Mode, PTR_ZENTREL_DISCOVERY_REQ Request) {
+    Call call(__func__);
+    call.Arg("mode", Mode).Bytes("request", Request, sizeof *Request);
+    if (!call.Proceed()) return call.Result();
+    if (Request == nullptr || (Mode != ZENTREL_DISCOVERY_MODE_LIST && Mode != ZENTREL_DISCOVERY_MODE_ADDRESS) ||
+        Request->FixedWord != ZENTREL_DISCOVERY_FIXED_WORD || Request->FixedByte != ZENTREL_DISCOVERY_FIXED_BYTE)
+        return call.Return(sim::kStatusInvalidParameter);
+    sim::State &model = call.Model();
+    model.found.clear();
+    const ZENTREL_DISCOVERY_REQ &r = *Request;
+    bool anyLocation = r.PcieBus == 0 && r.PcieDevice == 0 && r.PcieFunction == 0;
+    for (size_t i = 0; i < model.devices.size(); ++i) {
+        const sim::Device &d = model.devices[i];
+        bool match;
+        if (r.DeviceAddress != 0)
+            match = d.smbusAddress == r.DeviceAddress && d.smbusBus == r.SmbusNumber;
+        else
+            match = anyLocation ||
+                    (d.pcieBus == r.PcieBus && d.pcieDevice == r.PcieDevice && d.pcieFunction == r.PcieFunction);
+        if (match) model.found.push_back(i);
+    }
+    return call.Return(ZENTREL_STATUS_SUCCESS);
+}
+
+ZENTREL_API ZENTREL_STATUS ZentrelGetDeviceCount(uint32_t *Count) {
+    Call call(__func__);
+    if (!call.Proceed()) return call.Result();
+    if (Count == nullptr) return call.Return(sim::kStatusInvalidParameter);
+    *Count = static_cast<uint32_t>(call.Model().found.size());
+    return call.Return(ZENTREL_STATUS_SUCCESS);
+}
+
+ZENTREL_API ZENTREL_STATUS ZentrelGetDeviceInfo(uint32_t Index, uint32_t Length, PTR_ZENTREL_DEVICE_INFO Info) {
+    Call call(__func__);
+    call.Arg("index", Index).Arg("length", Length);
+    if (!call.Proceed()) return call.Result();
+    sim::State &model = call.Model();
+    if (Info == nullptr || Length != ZENTREL_DEVICE_INFO_LENGTH || Index >= model.found.size())
+        return call.Return(sim::kStatusInvalidParameter);
+    memcpy(Info, &model.devices[model.found[Index]].info, sizeof *Info);
+    return call.Return(ZENTREL_STATUS_SUCCESS);
+}

@@ -1,0 +1,33 @@
+// Number parsing, file and buffer helpers shared by every command handler.
+#ifndef ZENTRELLIBTEST_HELPERS_H
+#define ZENTRELLIBTEST_HELPERS_H
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+
+// Each parser always stores the converted value, and returns 0 when the
+// whole text was consumed, otherwise 1 after printing its message.
+// Out-of-range values saturate to the 32-bit range of the controller.
+int ParseDecimal(const char *text, int32_t *value);
+int ParseUnsignedDecimal(const char *text, uint32_t *value);
+int ParseHex(const char *text, int32_t *value);
+int ParseUnsignedHex(const char *text, uint32_t *value);
+
+int GetFileLength(FILE *stream, uint32_t *length);
+int ReadExact(FILE *stream, void *buffer, uint32_t count);
+// On success the caller owns *buffer and releases it with FreeBuffer.
+// On failure *buffer may still hold a released address: do not free it.
+int ReadWholeFile(const char *path, uint8_t **buffer, uint32_t *length);
+int WriteBufferToFile(FILE *stream, const void *buffer, uint32_t count);
+void *AllocZeroed(size_t size);
+void FreeBuffer(void *buffer);
+int DumpHex(FILE *stream, const uint8_t *bytes, int32_t count);
+void SleepMs(uint32_t milliseconds);
+
+// True when the word list exists, has a first word, and that word is "-h".
+bool WantsUsage(const char *const *words);
+// The word at position index, or null when the list ends before it.
+const char *WordAt(const char *const *words, size_t index);
+
+#endif

@@ -1,0 +1,32 @@
+// Reading the operator's answers from standard input.
+//
+// Every prompt prints its text without a newline and reads one value. The
+// readers behave like scanf with "%d", "%u", "%x", "%hhx", "%llX" and "%s",
+// but never overflow: a word is cut to its buffer (the rest of it is
+// dropped), and digits beyond the value's range saturate. An answer that
+// is not a number leaves the value untouched and is consumed with the rest
+// of its line, so the next prompt reads the next answer. Each returns 1
+// when a value was stored, 0 for an answer that is not a number, EOF at
+// the end of input.
+#ifndef ZENTRELLIBTEST_INPUT_H
+#define ZENTRELLIBTEST_INPUT_H
+
+#include <cstddef>
+#include <cstdint>
+
+// Discards what an operator typed ahead at a terminal. Input from a pipe
+// or a file is left alone, so scripted answers are never lost.
+void FlushInput();
+
+int ScanDecimal(int32_t *value);     // "%d"
+int ScanDecimal(uint32_t *value);    // "%d" into an unsigned place
+int ScanUnsigned(uint32_t *value);   // "%u"
+int ScanHex(uint32_t *value);        // "%x"
+int ScanHexByte(uint8_t *value);     // "%hhx"
+int ScanHex64(uint64_t *value);      // "%llX"
+int ScanWord(char *buffer, size_t size);  // "%s", cut to size - 1 characters
+
+// True once standard input has reached its end.
+bool InputEnded();
+
+#endif

@@ -1,0 +1,127 @@
+#include "menu.h"
+
+#include <cstdio>
+
+#include "input.h"
+#include "settings/settings.h"
+
+namespace {
+
+const char *const kMenuLines[] = {
+    "(1) Cli                              (2) Get Temperature",
+    "(3) Switch Trace                     (4) Health Logs",
+    "(5) Core Dump                        (6) GetSwitchLog",
+    "(7) Health Data                      (8) Health Check",
+    "(9) Error Counters                   (10) Get Switch Port Properties",
+    "(11) Upload SBR                      (12) Erase SBR",
+    "(13) Download SBR                    (14) SBR Info",
+    "(15) Get LM Capacities               (16) Lane Margining",
+    "(17) Power On Sense                  (18) Switch CCR Status Data",
+    "(19) Switch Rx Eq                    (20) Switch Tx Coeff",
+    "(21) Hardware Eye                    (22) Software Eye",
+    "(23) Memory Read                     (24) Memory Write",
+    "(25) Cfg Page Read                   (26) Reset Device",
+    "(27) Kavril Capture                  (28) SCSI Passthrough",
+    "(29) Current LTSSM                   (30) Performance Counter",
+    "(31) LTSSM trace                     (32) Packet Ram Error Detection",
+    "(33) Packet Ram Soft Error Count     (34) Trap",
+    "(35) PRBS                            (36) Packet Generator",
+    "(37) Toggle                          (38) Reset RAM Soft Err Counters",
+    "(39) Error Counters                  (40) Reset Port Err Counters",
+    "(41) Fw Download                     (42) Health Check",
+    "(43) DsPortAssign                    (44) DsPortUnAssign",
+    "(45) DsPortAssignEn                  (46) DsPortUnAssignEn",
+    "(47) Manufacturing Details           (48) SBR Version",
+    "(49) DsPortBindUnbind                (50) SPDM Security Details",
+    "(51) SPDM Slot Status                (52) Export SPDM Certificate",
+    "(53) Import SPDM Certificate         (54) Read SPDM Certificate",
+    "(55) Invalidate slot                 (56) Read Host port vDSP Information",
+    "(57) Get Decoded Trace buffer        (58) Set Async Command Timeout",
+    "(59) Read Port CSR                   (60) Write Port CSR",
+    "(61) Port Control                    (62) Get GPIO Spare State Details ",
+    "(63) Get Manufacturing Information   (64) Get CCR Sys Err Status",
+    "(65) Get Error Injection Information (66) Set Error Injection ",
+    "(67) Get Ptrace Device list          (68) Print capabilities (Capture, Filter, Trigger and Condition)",
+    "(69) Change PID                      (70) Capture Settings (Get)",
+    "(71) Filter Settings (Get)           (72) Condition Settings (Get)",
+    "(73) Trigger Settings (Get)          (74) Set Settings (Using INI)",
+    "(75) Gang Start/Stop                 (76) Capture Summary",
+    "(77) Wait for trigger                (78) Capture Data Receive (Full)",
+    "(79) Ping Device                     (80) Download Unit Specific Data",
+    "(81) Upload Unit Specific Data       (82) Set health config",
+    "(83) Get health config               (84) Set Switch Time",
+    "(85) Show PCI Capabilities           (86) TLP Round Trip Time",
+    "(87) Download PLDM firmware          (88) Set Lib Parameters",
+    "(89) Get Lib Parameters              (90) Set Credit",
+    "(91) Get Credit                      (92) Set Link Down Condition",
+    "(93) Get Link Down Condition Status  (94) Test Parallel API Execution",
+    "(95) Get Serdes Info                 (96) Get VRX Scoreboard Timeout",
+    "(97) Set VRX Scoreboard Timeout      (98) Get Secure Boot Info",
+    "(99) Get Spdm Secure Info            (100) Set OOB Parameters",
+    "(101)Get OOB Parameters              (102) Get Downstream device info",
+    "(103)Generate Debug Token            (104) Enable Debug Token",
+    "(105)Disable Debug Token             (106) Get Debug Token",
+    "(107)Manage History Buffer           (108) Setup Performance Monitoring",
+    "(109)Switch Properties               (110) Configure SBR/MFG slots",
+    "(111) Setup LTSSM Monitor            (112) LTSSM Monitor Trigger State",
+    "(113) Get MPI Mgmt Access Page       (114) Set MPI Mgmt Access Page",
+    "(115) Get Debug Port Capabilities    (116) Get Coredump Information",
+    "(117) Get Section Based Coredump     (118) Gpio Control Command",
+    "(119) Get Debug Token Params         (120) Query Host Physical Address range",
+    "(121) Get Wafer Information\t\t\t (122) Erase Coredump",
+    "(123) Update Trigger condition for Core Dump        (124) Get Trigger condition for Core Dump",
+    "(125) Get Port Attr by BDF,Slot or Segment          (126) Set EqCtrl Command",
+    "(127) Show EqCtrl Command                           (128) Write to Config Page",
+};
+
+constexpr uint32_t kOptionCount = 128;
+
+void PrintUnsupported() {
+    printf("\n Un-supported, choose right option.. \n");
+}
+
+// Runs one option. Several labels name functions this menu does not offer;
+// they keep their place in the menu and answer as unsupported.
+void RunOption(uint32_t choice, PTR_ZENTREL_DEVICE_INFO info) {
+    // The device context of the menu is the device information itself.
+    PTR_ZENTREL_DEVICE device = info;
+    // An empty word list: its first entry is null.
+    const char *const noWords[2] = {nullptr, nullptr};
+    switch (choice) {
+    case 2:
+        GetTemperature(device, noWords, info);
+        break;
+    case 4:
+    case 43:
+    case 44:
+    case 45:
+    case 46:
+    case 47:
+        printf("Un-supported \n");
+        break;
+    default:
+        PrintUnsupported();
+        break;
+    }
+}
+
+}  // namespace
+
+int RunMenu(PTR_ZENTREL_DEVICE_INFO info) {
+    printf("%30s\n", "...KRVN Corvane Switch MENU...");
+    for (;;) {
+        printf("%30s\n", "----------------------------");
+        for (const char *line : kMenuLines) printf("%s\n", line);
+        FlushInput();
+        uint32_t choice = 0;
+        ScanDecimal(&choice);
+        if (choice > kOptionCount)
+            PrintUnsupported();
+        else if (choice == 0)
+            return 0;
+        else
+            RunOption(choice, info);
+        printf("\n");
+        printf("%30s\n", "...KRVN Corvane Switch MENU...");
+    }
+}

@@ -1,0 +1,304 @@
+#!/usr/bin/env python3
+"""Runs zentrelLibTest end to end against the simulated switch library.
+
+A case file holds one or more cases. Each starts with a line "=== <name>";
+header lines follow, then sections that begin with "--- <section>":
+
+    === temperature of the first switch
+    args: -i 0 -temp            words after the program name (shell quoting)
+    status: 0                   expected exit status (default 0)
+    signal: QUIT when "text"    send SIGINT/SIGQUIT once stdout ends with text
+    timeout: 20                 seconds (default 10, times the launcher factor)
+    --- stdin                   standard input, byte for byte (same escapes)
+    --- scenario                JSON handed to the simulator
+    --- stdout                  expected standard output, exactly
+    --- stderr                  expected standard error (default: empty)
+    --- calls                   expected library trace, every line
+    --- file NAME               expected content of a file the run writes
+
+Expected texts are written line by line; each line stands for its text and a
+newline. Escapes: \\t tab, \\r carriage return, \\n newline, \\_ a blank (required for
+trailing blanks, which editors strip), \\\\ backslash, \\@ and \\- for a
+leading @ or -, \\e for nothing (a last line "\\e" is an empty line, as empty
+lines at the end of a section are dropped), and \\c at the end of a line
+for "no newline here". A line
+"@name" inserts fragments/name.txt. Every file that a run leaves in its
+working directory must be listed with a "file" section. In stderr, the
+scenario file's path reads SCENARIO.
+"""
+import argparse
+import os
+import re
+import shlex
+import signal
+import subprocess
+import sys
+import tempfile
+import threading
+import time
+
+HERE = os.path.dirname(os.path.abspath(__file__))
+FRAGMENTS = os.path.join(HERE, "fragments")
+
+
+class CaseError(Exception):
+    pass
+
+
+def unescape_line(line, where):
+    if line != line.rstrip(" \t"):
+        raise CaseError(f"{where}: trailing blank; write it as \\_")
+    out = []
+    i = 0
+    newline = True
+    while i < len(line):
+        c = line[i]
+        if c != "\\":
+            out.append(c)
+            i += 1
+            continue
+        if i + 1 >= len(line):
+            raise CaseError(f"{where}: lone backslash at the end of a line")
+        e = line[i + 1]
+        if e == "c":
+            if i + 2 != len(line):
+                raise CaseError(f"{where}: \\c must end its line")
+            newline = False
+        elif e == "e":
+            pass
+        elif e in "t_rn\\@-":
+            out.append({"t": "\t", "_": " ", "r": "\r", "n": "\n", "\\": "\\", "@": "@", "-": "-"}[e])
+        else:
+            raise CaseError(f"{where}: unknown escape \\{e}")
+        i += 2
+    return "".join(out) + ("\n" if newline else "")
+
+
+def expand(lines, where, depth=0):
+    text = []
+    for n, line in enumerate(lines, 1):
+        if re.fullmatch(r"@[A-Za-z0-9_-]+", line):
+            if depth > 4:
+                raise CaseError(f"{where}: fragments nest too deep")
+            path = os.path.join(FRAGMENTS, line[1:] + ".txt")
+            try:
+                with open(path, encoding="utf-8") as f:
+                    frag = f.read().split("\n")
+            except OSError:
+                raise CaseError(f"{where}:{n}: no fragment {line}")
+            if frag and frag[-1] == "":
+                frag.pop()
+            text.append(expand(frag, path, depth + 1))
+        else:
+            text.append(unescape_line(line, f"{where}:{n}"))
+    return "".join(text)
+
+
+def parse_cases(path):
+    with open(path, encoding="utf-8") as f:
+        lines = f.read().split("\n")
+    if lines and lines[-1] == "":
+        lines.pop()
+    cases = []
+    case = None
+    section = None
+    for n, line in enumerate(lines, 1):
+        where = f"{os.path.basename(path)}:{n}"
+        if line.startswith("=== "):
+            case = {"name": line[4:].strip(), "headers": {}, "sections": {}, "line": n}
+            cases.append(case)
+            section = None
+            continue
+        if case is None:
+            if line.strip() and not line.startswith("#"):
+                raise CaseError(f"{where}: text before the first case")
+            continue
+        if line.startswith("--- "):
+            section = line[4:].strip()
+            if section in case["sections"]:
+                raise CaseError(f"{where}: section {section} given twice")
+            case["sections"][section] = []
+            continue
+        if section is None:
+            if not line.strip() or line.startswith("#"):
+                continue
+            key, sep, value = line.partition(":")
+            if not sep:
+                raise CaseError(f"{where}: expected 'key: value'")
+            case["headers"][key.strip()] = value.strip()
+        else:
+            case["sections"][section].append(line)
+    for case in cases:
+        for section, body in case["sections"].items():
+            # Blank lines before the next case or section belong to nothing.
+            while body and body[-1] == "":
+                body.pop()
+        known = {"args", "status", "signal", "timeout"}
+        extra = set(case["headers"]) - known
+        if extra:
+            raise CaseError(f"{path}: case '{case['name']}': unknown header {sorted(extra)}")
+    return cases
+
+
+def describe(expected, actual):
+    """A short, readable account of where two outputs part."""
+    exp_lines = expected.splitlines(keepends=True)
+    act_lines = actual.splitlines(keepends=True)
+    for i in range(max(len(exp_lines), len(act_lines))):
+        e = exp_lines[i] if i < len(exp_lines) else "<end>"
+        a = act_lines[i] if i < len(act_lines) else "<end>"
+        if e != a:
+            return f"first difference at line {i + 1}:\n  expected {e!r}\n  actual   {a!r}"
+    return "outputs differ"
+
+
+def run_case(case, args, where):
+    h = case["headers"]
+    s = case["sections"]
+    work = tempfile.mkdtemp(prefix="zentrel-e2e-")
+    cwd = os.path.join(work, "cwd")
+    os.mkdir(cwd)
+    trace = os.path.join(work, "trace.txt")
+    env = dict(os.environ)
+    env.pop("ZENTREL_SIM_SCENARIO", None)
+    env["ZENTREL_SIM_TRACE"] = trace
+    if "scenario" in s:
+        scenario = os.path.join(work, "scenario.json")
+        with open(scenario, "w", encoding="utf-8") as f:
+            f.write("\n".join(s["scenario"]) + "\n")
+        env["ZENTREL_SIM_SCENARIO"] = scenario
+    if args.library_path:
+        env["LD_LIBRARY_PATH"] = args.library_path
+    stdin = expand(s["stdin"], where + " stdin").encode() if "stdin" in s else b""
+    argv = shlex.split(args.launcher) + [args.binary] + shlex.split(h.get("args", ""))
+    timeout = float(h.get("timeout", "10")) * args.slow
+    try:
+        proc = subprocess.Popen(argv, cwd=cwd, env=env, stdin=subprocess.PIPE,
+                                stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+    except OSError as e:
+        raise CaseError(f"{where}: cannot start {argv[0]}: {e}")
+    out = bytearray()
+    err = bytearray()
+
+    def pump(stream, sink):
+        while True:
+            chunk = os.read(stream.fileno(), 65536)
+            if not chunk:
+                return
+            sink.extend(chunk)
+
+    readers = [threading.Thread(target=pump, args=(proc.stdout, out), daemon=True),
+               threading.Thread(target=pump, args=(proc.stderr, err), daemon=True)]
+    for r in readers:
+        r.start()
+    try:
+        proc.stdin.write(stdin)
+        proc.stdin.flush()
+    except BrokenPipeError:
+        pass
+    deadline = time.monotonic() + timeout
+    if "signal" in h:
+        m = re.fullmatch(r'(INT|QUIT) when "(.*)"', h["signal"])
+        if not m:
+            raise CaseError(f"{where}: signal: INT|QUIT when \"text\"")
+        wanted = unescape_line(m.group(2), where).rstrip("\n").encode()
+        while not bytes(out).endswith(wanted) and proc.poll() is None and time.monotonic() < deadline:
+            time.sleep(0.01)
+        if proc.poll() is None:
+            proc.send_signal(signal.SIGINT if m.group(1) == "INT" else signal.SIGQUIT)
+    try:
+        proc.stdin.close()
+    except BrokenPipeError:
+        pass
+    try:
+        proc.wait(max(0.1, deadline - time.monotonic()))
+    except subprocess.TimeoutExpired:
+        proc.kill()
+        proc.wait()
+        for r in readers:
+            r.join(5)
+        raise CaseError(f"{where}: timed out after {timeout:g}s; output so far:\n{bytes(out).decode(errors='replace')}")
+    for r in readers:
+        r.join(5)
+
+    failures = []
+    actual_out = bytes(out).decode("utf-8", errors="replace")
+    actual_err = bytes(err).decode("utf-8", errors="replace")
+    if "scenario" in s:
+        actual_err = actual_err.replace(env["ZENTREL_SIM_SCENARIO"], "SCENARIO")
+    status = int(h.get("status", "0"))
+    if proc.returncode != status:
+        failures.append(f"exit status {proc.returncode}, expected {status}")
+    if "stdout" in s:
+        expected = expand(s["stdout"], where + " stdout")
+        if actual_out != expected:
+            failures.append("stdout: " + describe(expected, actual_out))
+    expected_err = expand(s["stderr"], where + " stderr") if "stderr" in s else ""
+    if actual_err != expected_err:
+        failures.append("stderr: " + describe(expected_err, actual_err))
+    if "calls" in s:
+        expected = expand(s["calls"], where + " calls")
+        try:
+            with open(trace, encoding="utf-8") as f:
+                actual = f.read()
+        except OSError:
+            actual = ""
+        if actual != expected:
+            failures.append("calls: " + describe(expected, actual))
+    files = {name[5:].strip(): body for name, body in s.items() if name.startswith("file ")}
+    for name, body in files.items():
+        path = os.path.join(cwd, name)
+        if not os.path.exists(path):
+            failures.append(f"file {name} was not written")
+            continue
+        with open(path, "rb") as f:
+            actual = f.read().decode("utf-8", errors="replace")
+        expected = expand(body, f"{where} file {name}")
+        if actual != expected:
+            failures.append(f"file {name}: " + describe(expected, actual))
+    for name in sorted(os.listdir(cwd)):
+        if name not in files:
+            failures.append(f"unexpected file {name} in the working directory")
+    if failures and args.verbose:
+        failures.append("whole stdout:\n" + actual_out)
+    return failures
+
+
+def main():
+    p = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    p.add_argument("--binary", required=True)
+    p.add_argument("--launcher", default="", help="command to run the binary with, e.g. an emulator")
+    p.add_argument("--library-path", default="", help="LD_LIBRARY_PATH for the run")
+    p.add_argument("--slow", type=float, default=1.0, help="factor for every timeout")
+    p.add_argument("--verbose", action="store_true")
+    p.add_argument("cases", nargs="+")
+    args = p.parse_args()
+    args.binary = os.path.abspath(args.binary)
+    passed = failed = 0
+    for path in args.cases:
+        try:
+            cases = parse_cases(path)
+        except CaseError as e:
+            print(f"ERROR {e}")
+            failed += 1
+            continue
+        for case in cases:
+            where = f"{os.path.basename(path)}:{case['line']} '{case['name']}'"
+            try:
+                failures = run_case(case, args, where)
+            except CaseError as e:
+                failures = [str(e)]
+            if failures:
+                failed += 1
+                print(f"FAIL {where}")
+                for f in failures:
+                    print("  " + f.replace("\n", "\n  "))
+            else:
+                passed += 1
+                print(f"ok   {where}")
+    print(f"{passed} passed, {failed} failed")
+    return 1 if failed or not passed else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
