@@ -201,9 +201,15 @@ def run_case(case, args, where):
         m = re.fullmatch(r'(INT|QUIT) when "(.*)"', h["signal"])
         if not m:
             raise CaseError(f"{where}: signal: INT|QUIT when \"text\"")
-        wanted = unescape_line(m.group(2), where).rstrip("\n").encode()
+        wanted = unescape_line(m.group(2) + "\\c", where).encode()
         while not bytes(out).endswith(wanted) and proc.poll() is None and time.monotonic() < deadline:
             time.sleep(0.01)
+        if not bytes(out).endswith(wanted):
+            if proc.poll() is None:
+                proc.kill()
+                proc.wait()
+            raise CaseError(f"{where}: the output never ended with the signal's text; output:\n"
+                            + bytes(out).decode(errors="replace"))
         if proc.poll() is None:
             proc.send_signal(signal.SIGINT if m.group(1) == "INT" else signal.SIGQUIT)
     try:
@@ -284,6 +290,7 @@ def main():
             continue
         for case in cases:
             where = f"{os.path.basename(path)}:{case['line']} '{case['name']}'"
+            started = time.monotonic()
             try:
                 failures = run_case(case, args, where)
             except CaseError as e:
@@ -295,7 +302,7 @@ def main():
                     print("  " + f.replace("\n", "\n  "))
             else:
                 passed += 1
-                print(f"ok   {where}")
+                print(f"ok   {where} ({time.monotonic() - started:.1f}s)")
     print(f"{passed} passed, {failed} failed")
     return 1 if failed or not passed else 0
 

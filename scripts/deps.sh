@@ -1,0 +1,22 @@
+#!/usr/bin/env bash
+# Installs the Debian packages the build needs and the machine lacks.
+#   scripts/deps.sh          what the native build and tests need
+#   scripts/deps.sh --arm    also the ARM cross compiler and user-mode emulator
+set -euo pipefail
+
+packages=(cmake make g++ python3 googletest nlohmann-json3-dev)
+if [ "${1:-}" = "--arm" ]; then
+  packages+=(g++-arm-linux-gnueabihf qemu-user)
+fi
+
+missing=()
+for p in "${packages[@]}"; do
+  dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed' || missing+=("$p")
+done
+[ ${#missing[@]} -eq 0 ] && exit 0
+
+echo "Installing: ${missing[*]}"
+sudo=""
+[ "$(id -u)" -eq 0 ] || sudo="sudo"
+$sudo apt-get update -qq
+DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
