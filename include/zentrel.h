@@ -5,5 +5,6 @@
 #include "zentrel_types.h"
 #include "zentrel_frontend.h"
 #include "zentrel_settings.h"
+#include "zentrel_status.h"
 
 #endif

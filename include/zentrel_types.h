@@ -4,7 +4,7 @@
  * Record layouts in these headers are those of the 32-bit ARM (hard-float)
  * management controller that the utility ships on. Records that hold
  * pointers only have their ARM offsets on a 32-bit target, so their
- * asserts are guarded by sizeof(void *) == 4.
+ * asserts are kept to 32-bit targets (#if UINTPTR_MAX == 0xFFFFFFFFu).
  */
 #ifndef ZENTREL_TYPES_H
 #define ZENTREL_TYPES_H

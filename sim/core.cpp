@@ -18,13 +18,6 @@ const char kTraceVariable[] = "ZENTREL_SIM_TRACE";
 constexpr size_t kDefaultDeviceCount = 2;
 constexpr size_t kMaxDevices = 64;
 
-// Every function the simulator exports, so that a scenario naming any other
-// is refused instead of silently doing nothing.
-const char *const kFunctions[] = {
-    "ZentrelInitialize", "ZentrelExit", "ZentrelDiscoverDevices", "ZentrelGetDeviceCount",
-    "ZentrelGetDeviceInfo", "ZentrelGetTemperature",
-};
-
 State gState;
 std::mutex gTraceMutex;
 FILE *gTrace = nullptr;
@@ -33,9 +26,12 @@ void Complain(const char *path, const std::string &problem) {
     fprintf(stderr, "zentrel-sim: scenario file %s: %s\n", path, problem.c_str());
 }
 
+// A scenario naming any function the simulator does not export is refused
+// instead of silently doing nothing.
 bool IsKnownFunction(const std::string &name) {
-    for (const char *f : kFunctions)
-        if (name == f) return true;
+    for (const char *const *list : {kFrontendFunctions, kSettingsFunctions, kStatusFunctions})
+        for (const char *const *f = list; *f != nullptr; ++f)
+            if (name == *f) return true;
     return false;
 }
 
@@ -87,6 +83,7 @@ bool ApplyDevice(Device &device, const Json &entry, std::string *error) {
     for (auto it = entry.begin(); it != entry.end(); ++it) {
         int r = ApplyFrontendKey(device, it.key(), *it, error);
         if (r == 0) r = ApplySettingsKey(device, it.key(), *it, error);
+        if (r == 0) r = ApplyStatusKey(device, it.key(), *it, error);
         if (r < 0) {
             *error = "device key \"" + it.key() + "\": " + *error;
             return false;
@@ -117,6 +114,7 @@ bool ApplyScenario(const Json &doc, std::string *error) {
     for (size_t i = 0; i < count; ++i) {
         SetFrontendDefaults(gState.devices[i], i);
         SetSettingsDefaults(gState.devices[i], i);
+        SetStatusDefaults(gState.devices[i], i);
     }
     for (auto it = doc.begin(); it != doc.end(); ++it) {
         const std::string &key = it.key();

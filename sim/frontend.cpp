@@ -5,6 +5,11 @@
 
 namespace sim {
 
+const char *const kFrontendFunctions[] = {
+    "ZentrelInitialize", "ZentrelExit", "ZentrelDiscoverDevices", "ZentrelGetDeviceCount", "ZentrelGetDeviceInfo",
+    nullptr,
+};
+
 namespace {
 
 // Two switches behind one SMBus segment: a current-generation switch of the
@@ -173,6 +178,9 @@ ZENTREL_API ZENTREL_STATUS ZentrelGetDeviceInfo(uint32_t Index, uint32_t Length,
     sim::State &model = call.Model();
     if (Info == nullptr || Length != ZENTREL_DEVICE_INFO_LENGTH || Index >= model.found.size())
         return call.Return(sim::kStatusInvalidParameter);
-    memcpy(Info, &model.devices[model.found[Index]].info, sizeof *Info);
+    const sim::Device &device = model.devices[model.found[Index]];
+    memcpy(Info, &device.info, sizeof *Info);
+    // Reading a switch also caches its manufacturing information.
+    sim::CacheMfgInfo(device);
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }

@@ -9,6 +9,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include "settings_model.h"
+#include "status_model.h"
 #include "zentrel.h"
 
 namespace sim {
@@ -28,7 +30,8 @@ struct Device {
     uint32_t smbusAddress;
     uint32_t smbusBus;
     uint8_t pcieBus, pcieDevice, pcieFunction;
-    uint32_t temperature;  // degrees Celsius
+    SettingsModel settings;
+    StatusModel status;
 };
 
 struct Injection {
@@ -57,6 +60,12 @@ using Json = nlohmann::json;
 // does not fit max.
 bool ReadNumber(const Json &value, uint64_t max, uint64_t *out, std::string *error);
 
+// The functions each part of the model exports, each list ending with null;
+// a scenario may inject into these only.
+extern const char *const kFrontendFunctions[];
+extern const char *const kSettingsFunctions[];
+extern const char *const kStatusFunctions[];
+
 // The default fleet and the scenario keys of each part of the model.
 // Each Apply...Key returns 1 when it took the key, 0 when the key is not
 // its own, -1 with *error set when the value is bad.
@@ -64,6 +73,8 @@ void SetFrontendDefaults(Device &device, size_t index);
 int ApplyFrontendKey(Device &device, const std::string &key, const Json &value, std::string *error);
 void SetSettingsDefaults(Device &device, size_t index);
 int ApplySettingsKey(Device &device, const std::string &key, const Json &value, std::string *error);
+void SetStatusDefaults(Device &device, size_t index);
+int ApplyStatusKey(Device &device, const std::string &key, const Json &value, std::string *error);
 
 // One library call: counts it, applies the scenario's latency and injected
 // status, decides whether the model runs, and traces it with its arguments

@@ -6,6 +6,7 @@
 #include "discovery.h"
 #include "helpers.h"
 #include "settings/settings.h"
+#include "status/status.h"
 
 namespace {
 
@@ -65,10 +66,19 @@ const CommandRow kCommandTable[] = {
     {"--help", PrintUsage, 0},
     {"-temp", GetTemperature, 0},
     {"-healthlogs", NotSupported<0>, 1},
+    {"-getccr", GetCcrStatus, 0},
+    {"-getpos", GetPowerOnSense, 0},
     {"-sweye", NotSupported<9>, 0},
     {"-gethealth", NotSupported<0>, 0},
     {"-getswlogs", NotSupported<9>, 0},
     {"-healthcheck", NotSupported<9>, 0},
+    {"-ver", GetVersions, 0},
+    {"-SetHealthCfg", SetHealthConfig, 0},
+    {"-GetHealthCfg", GetHealthConfig, 0},
+    {"-swsettime", SetSwitchTime, 0},
+    {"-SetTagSbTimeout", SetTagSbTimeout, 0},
+    {"-GetTagSbTimeout", GetTagSbTimeout, 0},
+    {"-GetWaferInfo", GetWaferInfo, 0},
     {nullptr, nullptr, 0},
 };
 

@@ -158,6 +158,11 @@ bool WantsUsage(const char *const *words) {
     return words != nullptr && words[0] != nullptr && strcmp(words[0], "-h") == 0;
 }
 
+bool WantsUsageOrMissing(const char *const *words) {
+    const char *first = WordAt(words, 0);
+    return first == nullptr || strcmp(first, "-h") == 0;
+}
+
 const char *WordAt(const char *const *words, size_t index) {
     if (words == nullptr) return nullptr;
     for (size_t i = 0; i < index; ++i)

@@ -27,6 +27,8 @@ void SleepMs(uint32_t milliseconds);
 
 // True when the word list exists, has a first word, and that word is "-h".
 bool WantsUsage(const char *const *words);
+// True when the word list has no first word, or that word is "-h".
+bool WantsUsageOrMissing(const char *const *words);
 // The word at position index, or null when the list ends before it.
 const char *WordAt(const char *const *words, size_t index);
 

@@ -115,6 +115,14 @@ int ScanWord(char *buffer, size_t size) {
     return ReadToken(buffer, size);
 }
 
+uint32_t AskDecimal(std::initializer_list<const char *> lines) {
+    for (const char *line : lines) printf("%s\n", line);
+    FlushInput();
+    uint32_t answer = 0;
+    ScanDecimal(&answer);
+    return answer;
+}
+
 bool InputEnded() {
     return feof(stdin) != 0;
 }

@@ -13,6 +13,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <initializer_list>
 
 // Discards what an operator typed ahead at a terminal. Input from a pipe
 // or a file is left alone, so scripted answers are never lost.
@@ -25,6 +26,10 @@ int ScanHex(uint32_t *value);        // "%x"
 int ScanHexByte(uint8_t *value);     // "%hhx"
 int ScanHex64(uint64_t *value);      // "%llX"
 int ScanWord(char *buffer, size_t size);  // "%s", cut to size - 1 characters
+
+// Prints each line of a question (the question, then its choices), then
+// reads one "%d" answer; an answer that is not a number gives 0.
+uint32_t AskDecimal(std::initializer_list<const char *> lines);
 
 // True once standard input has reached its end.
 bool InputEnded();

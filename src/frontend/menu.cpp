@@ -4,6 +4,7 @@
 
 #include "input.h"
 #include "settings/settings.h"
+#include "status/status.h"
 
 namespace {
 
@@ -90,6 +91,57 @@ void RunOption(uint32_t choice, PTR_ZENTREL_DEVICE_INFO info) {
     switch (choice) {
     case 2:
         GetTemperature(device, noWords, info);
+        break;
+    case 17:
+        GetPowerOnSense(device, noWords, info);
+        break;
+    case 18:
+        GetCcrStatus(device, noWords, info);
+        break;
+    case 58:
+        SetAsyncCommandTimeout(device);
+        break;
+    case 62:
+        GetGpioSpareState(device);
+        break;
+    case 63:
+        GetMfgInfo(device);
+        break;
+    case 64:
+        GetSysErrStatus(device);
+        break;
+    case 82:
+        SetHealthConfig(device, nullptr, info);
+        break;
+    case 83:
+        GetHealthConfig(device, nullptr, info);
+        break;
+    case 84:
+        SetSwitchTime(device, nullptr, info);
+        break;
+    case 88:
+        SetLibParameters(device);
+        break;
+    case 89:
+        GetLibParameters(device);
+        break;
+    case 96:
+        GetTagSbTimeout(device, nullptr, info);
+        break;
+    case 97:
+        SetTagSbTimeout(device, nullptr, info);
+        break;
+    case 100:
+        SetOobParameters(device);
+        break;
+    case 101:
+        GetOobParameters(device);
+        break;
+    case 118:
+        GpioControl(device, nullptr, info);
+        break;
+    case 121:
+        GetWaferInfo(device, nullptr, info);
         break;
     case 4:
     case 43:
