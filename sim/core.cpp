@@ -22,6 +22,28 @@ State gState;
 std::mutex gTraceMutex;
 FILE *gTrace = nullptr;
 
+// Finds out where and why a text is not JSON, without exceptions.
+class SyntaxError : public nlohmann::json_sax<Json> {
+public:
+    std::string message = "is not valid JSON";
+    bool null() override { return true; }
+    bool boolean(bool) override { return true; }
+    bool number_integer(number_integer_t) override { return true; }
+    bool number_unsigned(number_unsigned_t) override { return true; }
+    bool number_float(number_float_t, const string_t &) override { return true; }
+    bool string(string_t &) override { return true; }
+    bool binary(binary_t &) override { return true; }
+    bool start_object(std::size_t) override { return true; }
+    bool key(string_t &) override { return true; }
+    bool end_object() override { return true; }
+    bool start_array(std::size_t) override { return true; }
+    bool end_array() override { return true; }
+    bool parse_error(std::size_t, const std::string &, const nlohmann::detail::exception &error) override {
+        message = std::string("is not valid JSON: ") + error.what();
+        return false;
+    }
+};
+
 void Complain(const char *path, const std::string &problem) {
     fprintf(stderr, "zentrel-sim: scenario file %s: %s\n", path, problem.c_str());
 }
@@ -32,6 +54,11 @@ bool IsKnownFunction(const std::string &name) {
     for (const char *const *list : {kFrontendFunctions, kSettingsFunctions, kStatusFunctions})
         for (const char *const *f = list; *f != nullptr; ++f)
             if (name == *f) return true;
+    return false;
+}
+
+bool Named(const std::string &key, std::string *error) {
+    *error = "\"" + key + "\": " + *error;
     return false;
 }
 
@@ -50,18 +77,18 @@ bool ReadInjection(const Json &entry, Injection *out, std::string *error) {
             }
             out->function = it->get<std::string>();
         } else if (key == "status") {
-            if (!ReadNumber(*it, UINT32_MAX, &v, error)) return false;
+            if (!ReadNumber(*it, UINT32_MAX, &v, error)) return Named(key, error);
             out->hasStatus = true;
             out->status = static_cast<ZENTREL_STATUS>(v);
         } else if (key == "onCall") {
-            if (!ReadNumber(*it, UINT64_MAX, &v, error)) return false;
+            if (!ReadNumber(*it, UINT64_MAX, &v, error)) return Named(key, error);
             if (v == 0) {
                 *error = "\"onCall\" counts from 1";
                 return false;
             }
             out->onCall = v;
         } else if (key == "latencyMs") {
-            if (!ReadNumber(*it, 600000, &v, error)) return false;
+            if (!ReadNumber(*it, 600000, &v, error)) return Named(key, error);
             out->latencyMs = static_cast<uint32_t>(v);
         } else {
             *error = "unknown key \"" + key + "\" in an \"inject\" entry";
@@ -135,9 +162,12 @@ bool ApplyScenario(const Json &doc, std::string *error) {
                 *error = "\"inject\" must be a list";
                 return false;
             }
-            for (const Json &entry : *it) {
+            for (size_t i = 0; i < it->size(); ++i) {
                 Injection injection;
-                if (!ReadInjection(entry, &injection, error)) return false;
+                if (!ReadInjection((*it)[i], &injection, error)) {
+                    *error = "inject[" + std::to_string(i) + "]: " + *error;
+                    return false;
+                }
                 gState.injections.push_back(injection);
             }
         } else {
@@ -170,7 +200,9 @@ void Load() {
     text << in.rdbuf();
     Json doc = Json::parse(text.str(), nullptr, false, true);
     if (doc.is_discarded()) {
-        Complain(path, "is not valid JSON");
+        SyntaxError syntax;
+        Json::sax_parse(text.str(), &syntax, nlohmann::detail::input_format_t::json, true, true);
+        Complain(path, syntax.message);
         gState.unusable = true;
         return;
     }

@@ -230,12 +230,7 @@ int ApplySettingsKey(Device &device, const std::string &key, const Json &value, 
 using sim::Call;
 
 ZENTREL_API ZENTREL_STATUS ZentrelGetTemperature(PTR_ZENTREL_DEVICE Device, uint32_t *Temperature) {
-    Call call(__func__);
-    call.Dev(Device);
-    if (!call.Proceed()) return call.Result();
-    if (Temperature == nullptr) return call.Return(sim::kStatusInvalidParameter);
-    *Temperature = call.Target().settings.temperature;
-    return call.Return(ZENTREL_STATUS_SUCCESS);
+    return sim::ReadFromDevice(__func__, Device, Temperature, [](const sim::Device &d) { return d.settings.temperature; });
 }
 
 ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetMfgInfo(PTR_ZENTREL_DEVICE Device, PTR_ZENTREL_SWITCH_MFG_INFO MfgInfo) {
@@ -259,12 +254,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetSBRVersion(PTR_ZENTREL_DEVICE Device,
 }
 
 ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetWaferInfo(PTR_ZENTREL_DEVICE Device, PTR_ZENTREL_SWITCH_WAFER_INFO WaferInfo) {
-    Call call(__func__);
-    call.Dev(Device);
-    if (!call.Proceed()) return call.Result();
-    if (WaferInfo == nullptr) return call.Return(sim::kStatusInvalidParameter);
-    *WaferInfo = call.Target().settings.wafer;
-    return call.Return(ZENTREL_STATUS_SUCCESS);
+    return sim::ReadFromDevice(__func__, Device, WaferInfo, [](const sim::Device &d) { return d.settings.wafer; });
 }
 
 // An issuer holding the time (it set it with a hold duration) keeps the
@@ -357,12 +347,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchSetOOBParams(PTR_ZENTREL_DEVICE Device, 
 }
 
 ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetOOBParams(PTR_ZENTREL_DEVICE Device, PTR_ZENTREL_SWITCH_OOB_PARAMS_RESP Params) {
-    Call call(__func__);
-    call.Dev(Device);
-    if (!call.Proceed()) return call.Result();
-    if (Params == nullptr) return call.Return(sim::kStatusInvalidParameter);
-    *Params = call.Target().settings.oob;
-    return call.Return(ZENTREL_STATUS_SUCCESS);
+    return sim::ReadFromDevice(__func__, Device, Params, [](const sim::Device &d) { return d.settings.oob; });
 }
 
 ZENTREL_API ZENTREL_STATUS ZentrelSwitchSetAsyncCommandTimeout(PTR_ZENTREL_DEVICE Device, uint32_t Timeout) {

@@ -115,6 +115,18 @@ private:
     ZENTREL_STATUS status_ = 0;
 };
 
+// A call that only copies one value of the addressed switch, as read(device)
+// gives it, into the caller's record.
+template <typename T, typename Read>
+ZENTREL_STATUS ReadFromDevice(const char *function, PTR_ZENTREL_DEVICE device, T *out, Read read) {
+    Call call(function);
+    call.Dev(device);
+    if (!call.Proceed()) return call.Result();
+    if (out == nullptr) return call.Return(kStatusInvalidParameter);
+    *out = read(call.Target());
+    return call.Return(ZENTREL_STATUS_SUCCESS);
+}
+
 }  // namespace sim
 
 #endif

@@ -322,31 +322,16 @@ int ApplyStatusKey(Device &device, const std::string &key, const Json &value, st
 using sim::Call;
 
 ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetCcrStatus(PTR_ZENTREL_DEVICE Device, PTR_ZENTREL_SWITCH_CCR_STATUS Status) {
-    Call call(__func__);
-    call.Dev(Device);
-    if (!call.Proceed()) return call.Result();
-    if (Status == nullptr) return call.Return(sim::kStatusInvalidParameter);
-    *Status = call.Target().status.ccr;
-    return call.Return(ZENTREL_STATUS_SUCCESS);
+    return sim::ReadFromDevice(__func__, Device, Status, [](const sim::Device &d) { return d.status.ccr; });
 }
 
 ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetPowerOnSense(PTR_ZENTREL_DEVICE Device,
                                                         PTR_ZENTREL_SWITCH_POWER_ON_SENSE Sense) {
-    Call call(__func__);
-    call.Dev(Device);
-    if (!call.Proceed()) return call.Result();
-    if (Sense == nullptr) return call.Return(sim::kStatusInvalidParameter);
-    *Sense = call.Target().status.powerOnSense;
-    return call.Return(ZENTREL_STATUS_SUCCESS);
+    return sim::ReadFromDevice(__func__, Device, Sense, [](const sim::Device &d) { return d.status.powerOnSense; });
 }
 
 ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetSysErrStatus(PTR_ZENTREL_DEVICE Device, uint32_t *SysErrStatus) {
-    Call call(__func__);
-    call.Dev(Device);
-    if (!call.Proceed()) return call.Result();
-    if (SysErrStatus == nullptr) return call.Return(sim::kStatusInvalidParameter);
-    *SysErrStatus = call.Target().status.sysErrStatus;
-    return call.Return(ZENTREL_STATUS_SUCCESS);
+    return sim::ReadFromDevice(__func__, Device, SysErrStatus, [](const sim::Device &d) { return d.status.sysErrStatus; });
 }
 
 ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetGPIOSpareState(PTR_ZENTREL_DEVICE Device,

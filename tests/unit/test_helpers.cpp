@@ -5,16 +5,9 @@
 #include <string>
 
 #include "frontend/helpers.h"
+#include "capture.h"
 
 namespace {
-
-// Runs fn with standard output captured; returns what it printed.
-template <typename Fn>
-std::string Captured(Fn fn) {
-    testing::internal::CaptureStdout();
-    fn();
-    return testing::internal::GetCapturedStdout();
-}
 
 const char kDecimalMessage[] = "Only decimal supported, please check your input index\n";
 const char kHexMessage[] = "Only Hex supported, please check your input index\n";

@@ -8,16 +8,10 @@
 #include <string>
 
 #include "frontend/input.h"
+#include "capture.h"
 #include "status/status.h"
 
 namespace {
-
-template <typename Fn>
-std::string Captured(Fn fn) {
-    testing::internal::CaptureStdout();
-    fn();
-    return testing::internal::GetCapturedStdout();
-}
 
 // The first simulated switch, through a one-shot device context.
 class StatusHandlers : public testing::Test {
