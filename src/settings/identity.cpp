@@ -55,17 +55,13 @@ uint32_t GetMfgInfo(PTR_ZENTREL_DEVICE device) {
         printf("Failed to get the manufacturing Info status:0x%x", status);
         return status;
     }
-    printf("Switch Manufacturing information:");
-    // Each text is shown through a zeroed 128-byte buffer, cut to its width.
-    char vendor[128] = {};
-    char product[128] = {};
-    char revision[128] = {};
-    memcpy(vendor, mfg.VendorId, sizeof mfg.VendorId);
-    memcpy(product, mfg.ProductId, sizeof mfg.ProductId);
-    memcpy(revision, mfg.ProductRevision, sizeof mfg.ProductRevision);
-    printf("Vendor Id                  : %s\n", vendor);
-    printf("Product Id                 : %s\n", product);
-    printf("Product Revision           : %s\n", revision);
+    printf("Switch Manufacturing information:\n");
+    FieldText vendor(mfg.VendorId);
+    FieldText product(mfg.ProductId);
+    FieldText revision(mfg.ProductRevision);
+    printf("Vendor Id                  : %s\n", vendor.text);
+    printf("Product Id                 : %s\n", product.text);
+    printf("Product Revision           : %s\n", revision.text);
     printf("Number of Lanes            : 0x%x\n", mfg.NumberOfLanes);
     printf("Chip Id                    : 0x%x\n", mfg.ChipId);
     printf("Chip Rev                   : 0x%x\n", mfg.ChipRevision);
@@ -102,7 +98,7 @@ uint32_t GetWaferInfo(PTR_ZENTREL_DEVICE device, const char *const *words, PTR_Z
         printf("YCoord                            : 0x%x\n", wafer->YCoord);
         printf("Initialized                       : 0x%x\n", wafer->Initialized);
     } else {
-        printf("Failed to get the Wafer Information");
+        printf("Failed to get the Wafer Information\n");
     }
     FreeBuffer(wafer);
     return 0;

@@ -124,7 +124,7 @@ uint32_t GetOobParameters(PTR_ZENTREL_DEVICE device) {
     if (params == nullptr) return kAllocationFailed;
     ZENTREL_STATUS status = ZentrelSwitchGetOOBParams(device, params);
     if (status != ZENTREL_STATUS_SUCCESS) {
-        printf("Failed to get the OOB Parameters.Status:0x%x", status);
+        printf("Failed to get the OOB Parameters.Status:0x%x\n", status);
         return status;
     }
     printf("Communication Mode:0x%x\n", params->CommMode);

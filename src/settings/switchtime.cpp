@@ -47,7 +47,7 @@ bool AskTime(ZENTREL_SWITCH_TIME_REQ *request) {
     ScanWord(timeZone, sizeof timeZone);
     // A word is never empty: only the end of input leaves it so.
     if (timeZone[0] == '\0') {
-        printf("Error : Invalid ITime zone");
+        printf("Error : Invalid ITime zone\n");
         return false;
     }
     memcpy(request->Tz, timeZone, strnlen(timeZone, sizeof request->Tz));
