@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <cstring>
 
 // Each parser always stores the converted value, and returns 0 when the
 // whole text was consumed, otherwise 1 after printing its message.
@@ -24,6 +25,14 @@ void *AllocZeroed(size_t size);
 void FreeBuffer(void *buffer);
 int DumpHex(FILE *stream, const uint8_t *bytes, int32_t count);
 void SleepMs(uint32_t milliseconds);
+
+// A text field of a record, which need not be terminated, copied into a
+// zeroed buffer so that it prints as at most its width.
+template <size_t Width>
+struct FieldText {
+    char text[Width + 1] = {};
+    explicit FieldText(const char (&field)[Width]) { memcpy(text, field, Width); }
+};
 
 // True when the word list exists, has a first word, and that word is "-h".
 bool WantsUsage(const char *const *words);

@@ -6,18 +6,6 @@
 #include "frontend/helpers.h"
 #include "settings.h"
 
-namespace {
-
-// A text field of a record, which need not be terminated, copied into a
-// zeroed buffer so that it prints as at most its width.
-template <size_t Width>
-struct FieldText {
-    char text[Width + 1] = {};
-    explicit FieldText(const char (&field)[Width]) { memcpy(text, field, Width); }
-};
-
-}  // namespace
-
 uint32_t GetVersions(PTR_ZENTREL_DEVICE, const char *const *, PTR_ZENTREL_DEVICE_INFO info) {
     printf("FW Version = %d.%d.%d.%d\r\n", VersionByte(info->FwVersion, 0), VersionByte(info->FwVersion, 1),
            VersionByte(info->FwVersion, 2), VersionByte(info->FwVersion, 3));

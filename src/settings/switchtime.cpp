@@ -77,13 +77,12 @@ uint32_t SetSwitchTime(PTR_ZENTREL_DEVICE device, const char *const *words, PTR_
     } else if (!AskTime(&request)) {
         return 1;
     }
-    char timeZone[sizeof request.Tz + 1] = {};
-    memcpy(timeZone, request.Tz, sizeof request.Tz);
+    FieldText timeZone(request.Tz);
     printf("switchTime.NewTimeLow %u\n", request.NewTimeLow);
     printf("switchTime.NewTimeHigh %u\n", request.NewTimeHigh);
     printf("switchTime.IssuerID %u\n", request.IssuerID);
     printf("switchTime.HoldTimeSyncDuration %u\n", request.HoldTimeSyncDuration);
-    printf("switchTime.Tz %s\n", timeZone);
+    printf("switchTime.Tz %s\n", timeZone.text);
     ZENTREL_STATUS status = ZentrelSwitchSetTime(device, &request, &response);
     if (status != ZENTREL_STATUS_SUCCESS) {
         printf(" failed with status %x\n", status);

@@ -7,23 +7,12 @@
 
 namespace {
 
-const char *const kOpcodeLines[] = {
-    " 0 - Set output status",
-    " 1 - Assign GPIO to a PCIe port",
-    " 2 - Set GPIO multiplexing",
-    " 3 - Get GPIO Status",
-    " 4 - Get Assigned PCIe port of a GPIO",
-    " 5 - Get GPIO multiplexing",
-};
-
 // Fills the request from the operator's answers; false (with the message
 // printed) for an opcode the switch does not know.
 bool AskGpioRequest(ZENTREL_SWITCH_GPIO_CTRL_REQ *request) {
-    printf("Input the opcode\n");
-    for (const char *line : kOpcodeLines) printf("%s\n", line);
-    FlushInput();
-    uint32_t opcode = 0;
-    ScanDecimal(&opcode);
+    uint32_t opcode = AskDecimal({"Input the opcode", " 0 - Set output status", " 1 - Assign GPIO to a PCIe port",
+                                  " 2 - Set GPIO multiplexing", " 3 - Get GPIO Status",
+                                  " 4 - Get Assigned PCIe port of a GPIO", " 5 - Get GPIO multiplexing"});
     if (opcode > ZENTREL_GPIO_OPCODE_LAST) {  // negative answers included
         printf("Invalid opcode option");
         return false;

@@ -9,23 +9,15 @@
 
 namespace {
 
-const char *const kSubsystemLines[] = {
-    " 0 - HALI", " 1 - FWCORE", " 2 - SES", " 3 - PMG", " 4 - OEM",
-    " 5 - BPL",  " 6 - OOB",    " 7 - SPI", " 8 - SEC", " 9 - SMM",
-};
-
 constexpr uint32_t kLastSetOption = ZENTREL_HEALTH_SET_TRACE_MASK;
 constexpr uint32_t kLastGetOption = ZENTREL_HEALTH_GET_TRACE_MASK;
 constexpr uint32_t kLastUpdateOption = ZENTREL_HEALTH_UPDATE_MASK;
 constexpr uint32_t kLastSubsystem = ZENTREL_HEALTH_SUBSYSTEM_COUNT - 1;
 
+// The list of firmware subsystems, by the numbers the trace masks use.
 uint32_t AskSubsystem() {
-    printf("Input the subsystem trace mask\n");
-    for (const char *line : kSubsystemLines) printf("%s\n", line);
-    FlushInput();
-    uint32_t answer = 0;
-    ScanDecimal(&answer);
-    return answer;
+    return AskDecimal({"Input the subsystem trace mask", " 0 - HALI", " 1 - FWCORE", " 2 - SES", " 3 - PMG",
+                       " 4 - OEM", " 5 - BPL", " 6 - OOB", " 7 - SPI", " 8 - SEC", " 9 - SMM"});
 }
 
 void PrintSetUsage() {
