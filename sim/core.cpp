@@ -3,8 +3,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <fstream>
-#include <sstream>
 #include <thread>
 
 #include "sim.h"
@@ -17,32 +15,12 @@ const char kScenarioVariable[] = "ZENTREL_SIM_SCENARIO";
 const char kTraceVariable[] = "ZENTREL_SIM_TRACE";
 constexpr size_t kDefaultDeviceCount = 2;
 constexpr size_t kMaxDevices = 64;
+// The longest a scenario may delay one call, all its injections together.
+constexpr uint32_t kMaxLatencyMs = 600000;
 
 State gState;
 std::mutex gTraceMutex;
 FILE *gTrace = nullptr;
-
-// Finds out where and why a text is not JSON, without exceptions.
-class SyntaxError : public nlohmann::json_sax<Json> {
-public:
-    std::string message = "is not valid JSON";
-    bool null() override { return true; }
-    bool boolean(bool) override { return true; }
-    bool number_integer(number_integer_t) override { return true; }
-    bool number_unsigned(number_unsigned_t) override { return true; }
-    bool number_float(number_float_t, const string_t &) override { return true; }
-    bool string(string_t &) override { return true; }
-    bool binary(binary_t &) override { return true; }
-    bool start_object(std::size_t) override { return true; }
-    bool key(string_t &) override { return true; }
-    bool end_object() override { return true; }
-    bool start_array(std::size_t) override { return true; }
-    bool end_array() override { return true; }
-    bool parse_error(std::size_t, const std::string &, const nlohmann::detail::exception &error) override {
-        message = std::string("is not valid JSON: ") + error.what();
-        return false;
-    }
-};
 
 void Complain(const char *path, const std::string &problem) {
     fprintf(stderr, "zentrel-sim: scenario file %s: %s\n", path, problem.c_str());
@@ -51,127 +29,97 @@ void Complain(const char *path, const std::string &problem) {
 // A scenario naming any function the simulator does not export is refused
 // instead of silently doing nothing.
 bool IsKnownFunction(const std::string &name) {
-    for (const char *const *list : {kFrontendFunctions, kSettingsFunctions, kStatusFunctions})
-        for (const char *const *f = list; *f != nullptr; ++f)
+    for (const ModelPart *const *part = kModelParts; *part != nullptr; ++part)
+        for (const char *const *f = (*part)->functions; *f != nullptr; ++f)
             if (name == *f) return true;
     return false;
 }
 
-bool Named(const std::string &key, std::string *error) {
-    *error = "\"" + key + "\": " + *error;
-    return false;
-}
-
-bool ReadInjection(const Json &entry, Injection *out, std::string *error) {
+bool ReadInjection(const Json &entry, Injection *out, Problem *error) {
     if (!entry.is_object()) {
-        *error = "each entry of \"inject\" must be an object";
+        *error = "must be an object, not " + Excerpt(entry);
         return false;
     }
     for (auto it = entry.begin(); it != entry.end(); ++it) {
         const std::string &key = it.key();
-        uint64_t v = 0;
         if (key == "function") {
             if (!it->is_string() || !IsKnownFunction(it->get<std::string>())) {
-                *error = "\"function\" must name a library function, not " + it->dump();
-                return false;
+                *error = "must name a library function, not " + Excerpt(*it);
+                return error->In(key);
             }
             out->function = it->get<std::string>();
         } else if (key == "status") {
-            if (!ReadNumber(*it, UINT32_MAX, &v, error)) return Named(key, error);
+            if (!Store(*it, &out->status, error)) return error->In(key);
             out->hasStatus = true;
-            out->status = static_cast<ZENTREL_STATUS>(v);
         } else if (key == "onCall") {
-            if (!ReadNumber(*it, UINT64_MAX, &v, error)) return Named(key, error);
-            if (v == 0) {
-                *error = "\"onCall\" counts from 1";
-                return false;
+            if (!Store(*it, &out->onCall, error)) return error->In(key);
+            if (out->onCall == 0) {
+                *error = "counts from 1";
+                return error->In(key);
             }
-            out->onCall = v;
         } else if (key == "latencyMs") {
-            if (!ReadNumber(*it, 600000, &v, error)) return Named(key, error);
-            out->latencyMs = static_cast<uint32_t>(v);
+            if (!Store(*it, &out->latencyMs, error, kMaxLatencyMs)) return error->In(key);
         } else {
-            *error = "unknown key \"" + key + "\" in an \"inject\" entry";
+            *error = "unknown key " + Quote(key);
             return false;
         }
     }
     if (out->function.empty()) {
-        *error = "an \"inject\" entry needs \"function\"";
+        *error = "needs \"function\"";
         return false;
     }
     return true;
 }
 
-bool ApplyDevice(Device &device, const Json &entry, std::string *error) {
-    if (!entry.is_object()) {
-        *error = "each entry of \"devices\" must be an object";
+// A list of injections; all of them together may delay one call by at most
+// kMaxLatencyMs.
+bool ReadInjections(const Json &list, Problem *error) {
+    if (!list.is_array()) {
+        *error = "must be a list, not " + Excerpt(list);
         return false;
     }
-    for (auto it = entry.begin(); it != entry.end(); ++it) {
-        int r = ApplyFrontendKey(device, it.key(), *it, error);
-        if (r == 0) r = ApplySettingsKey(device, it.key(), *it, error);
-        if (r == 0) r = ApplyStatusKey(device, it.key(), *it, error);
-        if (r < 0) {
-            *error = "device key \"" + it.key() + "\": " + *error;
-            return false;
+    uint64_t totalLatency = 0;
+    for (size_t i = 0; i < list.size(); ++i) {
+        Injection injection;
+        if (!ReadInjection(list[i], &injection, error)) return error->At(i);
+        totalLatency += injection.latencyMs;
+        if (totalLatency > kMaxLatencyMs) {
+            *error = "the latencies add up to more than " + std::to_string(kMaxLatencyMs) + " ms";
+            return error->At(i);
         }
-        if (r == 0) {
-            *error = "unknown device key \"" + it.key() + "\"";
-            return false;
-        }
+        gState.injections.push_back(injection);
     }
     return true;
 }
 
-bool ApplyScenario(const Json &doc, std::string *error) {
+bool ApplyScenario(const Json &doc, Problem *error) {
     if (!doc.is_object()) {
         *error = "the top level must be an object";
         return false;
     }
     size_t count = kDefaultDeviceCount;
-    if (doc.contains("deviceCount")) {
-        uint64_t v = 0;
-        if (!ReadNumber(doc["deviceCount"], kMaxDevices, &v, error)) {
-            *error = "\"deviceCount\": " + *error;
-            return false;
-        }
-        count = v;
+    if (const Json *v = Member(doc, "deviceCount")) {
+        if (!Store(*v, &count, error, kMaxDevices)) return error->In("deviceCount");
     }
     gState.devices.resize(count);
-    for (size_t i = 0; i < count; ++i) {
-        SetFrontendDefaults(gState.devices[i], i);
-        SetSettingsDefaults(gState.devices[i], i);
-        SetStatusDefaults(gState.devices[i], i);
-    }
+    for (size_t i = 0; i < count; ++i)
+        for (const ModelPart *const *part = kModelParts; *part != nullptr; ++part) (*part)->setDefaults(gState.devices[i], i);
     for (auto it = doc.begin(); it != doc.end(); ++it) {
         const std::string &key = it.key();
         if (key == "deviceCount" || key == "comment") continue;
         if (key == "devices") {
             if (!it->is_array() || it->size() > count) {
-                *error = "\"devices\" must be a list of at most deviceCount (" + std::to_string(count) + ") entries";
-                return false;
+                *error = "must be a list of at most deviceCount (" + std::to_string(count) + ") entries";
+                return error->In(key);
             }
-            for (size_t i = 0; i < it->size(); ++i) {
-                if (!ApplyDevice(gState.devices[i], (*it)[i], error)) {
-                    *error = "devices[" + std::to_string(i) + "]: " + *error;
-                    return false;
-                }
-            }
+            for (size_t i = 0; i < it->size(); ++i)
+                if (!ApplyDeviceKeys(gState.devices[i], (*it)[i], error)) return error->At(i), error->In(key);
         } else if (key == "inject") {
-            if (!it->is_array()) {
-                *error = "\"inject\" must be a list";
-                return false;
-            }
-            for (size_t i = 0; i < it->size(); ++i) {
-                Injection injection;
-                if (!ReadInjection((*it)[i], &injection, error)) {
-                    *error = "inject[" + std::to_string(i) + "]: " + *error;
-                    return false;
-                }
-                gState.injections.push_back(injection);
-            }
+            if (!ReadInjections(*it, error)) return error->In(key);
+        } else if (key == "library") {
+            if (!ApplyLibraryKeys(*it, error)) return error->In(key);
         } else {
-            *error = "unknown key \"" + key + "\"";
+            *error = "unknown key " + Quote(key);
             return false;
         }
     }
@@ -183,31 +131,16 @@ void Load() {
     if (gState.loaded) return;
     gState.loaded = true;
     const char *path = getenv(kScenarioVariable);
-    if (path == nullptr || *path == '\0') {
-        ApplyScenario(Json::object(), nullptr);
-        gState.found.clear();
-        for (size_t i = 0; i < gState.devices.size(); ++i) gState.found.push_back(i);
-        return;
-    }
-    std::ifstream in(path);
-    std::string error;
-    if (!in) {
-        Complain(path, "cannot be opened");
+    Json doc = Json::object();
+    std::string why;
+    if (path != nullptr && *path != '\0' && !ReadJsonFile(path, &doc, &why)) {
+        Complain(path, why);
         gState.unusable = true;
         return;
     }
-    std::stringstream text;
-    text << in.rdbuf();
-    Json doc = Json::parse(text.str(), nullptr, false, true);
-    if (doc.is_discarded()) {
-        SyntaxError syntax;
-        Json::sax_parse(text.str(), &syntax, nlohmann::detail::input_format_t::json, true, true);
-        Complain(path, syntax.message);
-        gState.unusable = true;
-        return;
-    }
+    Problem error;
     if (!ApplyScenario(doc, &error)) {
-        Complain(path, error);
+        Complain(path, error.Text());
         gState.unusable = true;
         gState.devices.clear();
         gState.injections.clear();
@@ -244,36 +177,41 @@ void Append(std::string &args, const char *name, const std::string &value) {
 
 }  // namespace
 
-bool ReadNumber(const Json &value, uint64_t max, uint64_t *out, std::string *error) {
-    uint64_t v = 0;
-    if (value.is_number_unsigned()) {
-        v = value.get<uint64_t>();
-    } else if (value.is_number_integer()) {
-        *error = "a negative number is not allowed here";
-        return false;
-    } else if (value.is_string()) {
-        const std::string text = value.get<std::string>();
-        const char *s = text.c_str();
-        bool hex = text.size() > 2 && s[0] == '0' && (s[1] == 'x' || s[1] == 'X');
-        char *end = nullptr;
-        if (text.empty() || text[0] == '-' || text[0] == ' ') {
-            *error = "\"" + text + "\" is not a number";
-            return false;
-        }
-        v = strtoull(hex ? s + 2 : s, &end, hex ? 16 : 10);
-        if (*end != '\0') {
-            *error = "\"" + text + "\" is not a number";
-            return false;
-        }
-    } else {
-        *error = value.dump() + " is not a number";
+const ModelPart *const kModelParts[] = {&kFrontendPart, &kSettingsPart, &kStatusPart, nullptr};
+
+bool ApplyDeviceKeys(Device &device, const Json &keys, Problem *error) {
+    if (!keys.is_object()) {
+        *error = "must be an object, not " + Excerpt(keys);
         return false;
     }
-    if (v > max) {
-        *error = std::to_string(v) + " is larger than " + std::to_string(max);
+    for (auto it = keys.begin(); it != keys.end(); ++it) {
+        int r = 0;
+        for (const ModelPart *const *part = kModelParts; r == 0 && *part != nullptr; ++part)
+            r = (*part)->applyKey(device, it.key(), *it, error);
+        if (r < 0) return error->In(it.key());
+        if (r == 0) {
+            *error = "unknown device key " + Quote(it.key());
+            return false;
+        }
+    }
+    return true;
+}
+
+bool ApplyLibraryKeys(const Json &keys, Problem *error) {
+    if (!keys.is_object()) {
+        *error = "must be an object, not " + Excerpt(keys);
         return false;
     }
-    *out = v;
+    for (auto it = keys.begin(); it != keys.end(); ++it) {
+        int r = 0;
+        for (const ModelPart *const *part = kModelParts; r == 0 && *part != nullptr; ++part)
+            if ((*part)->applyLibraryKey != nullptr) r = (*part)->applyLibraryKey(it.key(), *it, error);
+        if (r < 0) return error->In(it.key());
+        if (r == 0) {
+            *error = "unknown library key " + Quote(it.key());
+            return false;
+        }
+    }
     return true;
 }
 
@@ -342,7 +280,7 @@ bool Call::Proceed(bool needsInit) {
     lock_ = std::unique_lock<std::mutex>(gState.mutex);
     Load();
     uint64_t number = CountCall(function_);
-    uint32_t latency = 0;
+    uint64_t latency = 0;
     bool injected = false;
     for (const Injection &injection : gState.injections) {
         if (injection.function != function_) continue;

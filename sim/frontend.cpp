@@ -27,32 +27,8 @@ const Defaults kDefaults[] = {
     {0x03050211, 0x02010000, 1, 0xC034, 0x00009A34, 0x05},
 };
 
-// "a.b.c.d" (or "a.b") packed most significant byte first, or a plain number.
-bool ReadVersion(const Json &value, uint32_t *out, std::string *error) {
-    if (value.is_string()) {
-        std::string text = value.get<std::string>();
-        unsigned parts[4] = {0, 0, 0, 0};
-        int n = 0;
-        char tail = 0;
-        int got = sscanf(text.c_str(), "%u.%u.%u.%u%c", &parts[0], &parts[1], &parts[2], &parts[3], &tail);
-        for (n = 0; n < 4 && n < got; ++n)
-            if (parts[n] > 255) got = -1;
-        if (text.find('.') != std::string::npos && got >= 2 && got <= 4) {
-            *out = parts[0] << 24 | parts[1] << 16 | parts[2] << 8 | parts[3];
-            return true;
-        }
-    }
-    uint64_t v = 0;
-    if (!ReadNumber(value, UINT32_MAX, &v, error)) {
-        *error = "a version is \"a.b.c.d\" or a number; " + *error;
-        return false;
-    }
-    *out = static_cast<uint32_t>(v);
-    return true;
-}
-
 // {"offset": [byte, ...], ...}: raw bytes of the device information record.
-bool ReadInfoBytes(const Json &value, ZENTREL_DEVICE_INFO *info, std::string *error) {
+bool ReadInfoBytes(const Json &value, ZENTREL_DEVICE_INFO *info, Problem *error) {
     if (!value.is_object()) {
         *error = "must map offsets to lists of bytes";
         return false;
@@ -60,28 +36,18 @@ bool ReadInfoBytes(const Json &value, ZENTREL_DEVICE_INFO *info, std::string *er
     uint8_t *raw = reinterpret_cast<uint8_t *>(info);
     for (auto it = value.begin(); it != value.end(); ++it) {
         uint64_t offset = 0, byte = 0;
-        if (!ReadNumber(Json(it.key()), sizeof *info - 1, &offset, error)) return false;
+        if (!ReadNumber(Json(it.key()), sizeof *info - 1, &offset, error)) return error->In(it.key());
         if (!it->is_array() || offset + it->size() > sizeof *info) {
-            *error = "bytes at " + it.key() + " must be a list that ends within the 1392 bytes";
-            return false;
+            *error = "must be a list of bytes that ends within the 1392 bytes";
+            return error->In(it.key());
         }
         for (size_t i = 0; i < it->size(); ++i) {
-            if (!ReadNumber((*it)[i], 0xFF, &byte, error)) return false;
+            if (!ReadNumber((*it)[i], 0xFF, &byte, error)) return error->At(i), error->In(it.key());
             raw[offset + i] = static_cast<uint8_t>(byte);
         }
     }
     return true;
 }
-
-template <typename T>
-int Store(const Json &value, T *field, std::string *error) {
-    uint64_t v = 0;
-    if (!ReadNumber(value, static_cast<T>(~static_cast<T>(0)), &v, error)) return -1;
-    *field = static_cast<T>(v);
-    return 1;
-}
-
-}  // namespace
 
 void SetFrontendDefaults(Device &device, size_t index) {
     const Defaults &d = kDefaults[index < 2 ? index : 0];
@@ -100,23 +66,30 @@ void SetFrontendDefaults(Device &device, size_t index) {
     device.pcieFunction = 0;
 }
 
-int ApplyFrontendKey(Device &device, const std::string &key, const Json &value, std::string *error) {
+int ApplyFrontendKey(Device &device, const std::string &key, const Json &value, Problem *error) {
     ZENTREL_DEVICE_INFO &info = device.info;
-    if (key == "handle") return Store(value, &info.Handle, error);
-    if (key == "fwVersion") return ReadVersion(value, &info.FwVersion, error) ? 1 : -1;
-    if (key == "apiVersion") return ReadVersion(value, &info.SmApiVersion, error) ? 1 : -1;
-    if (key == "generation") return Store(value, &info.DeviceGeneration, error);
-    if (key == "deviceId") return Store(value, &info.DeviceId, error);
-    if (key == "productNumber") return Store(value, &info.ProductNumber, error);
-    if (key == "productType") return Store(value, &info.ProductType, error);
-    if (key == "infoBytes") return ReadInfoBytes(value, &info, error) ? 1 : -1;
-    if (key == "smbusAddress") return Store(value, &device.smbusAddress, error);
-    if (key == "smbusBus") return Store(value, &device.smbusBus, error);
-    if (key == "pcieBus") return Store(value, &device.pcieBus, error);
-    if (key == "pcieDevice") return Store(value, &device.pcieDevice, error);
-    if (key == "pcieFunction") return Store(value, &device.pcieFunction, error);
+    if (key == "handle") return Took(Store(value, &info.Handle, error));
+    if (key == "fwVersion") return Took(ReadVersion(value, &info.FwVersion, error));
+    if (key == "apiVersion") return Took(ReadVersion(value, &info.SmApiVersion, error));
+    if (key == "generation") return Took(Store(value, &info.DeviceGeneration, error));
+    if (key == "deviceId") return Took(Store(value, &info.DeviceId, error));
+    if (key == "productNumber") return Took(Store(value, &info.ProductNumber, error));
+    if (key == "productType") return Took(Store(value, &info.ProductType, error));
+    if (key == "infoBytes") return Took(ReadInfoBytes(value, &info, error));
+    if (key == "smbusAddress") return Took(Store(value, &device.smbusAddress, error));
+    if (key == "smbusBus") return Took(Store(value, &device.smbusBus, error));
+    if (key == "pcieBus") return Took(Store(value, &device.pcieBus, error));
+    if (key == "pcieDevice") return Took(Store(value, &device.pcieDevice, error));
+    if (key == "pcieFunction") return Took(Store(value, &device.pcieFunction, error));
     return 0;
 }
+
+}  // namespace
+
+// Nothing of the device information changes at run time.
+extern const ModelPart kFrontendPart = {
+    "frontend", kFrontendFunctions, SetFrontendDefaults, ApplyFrontendKey, nullptr, nullptr, nullptr, nullptr,
+};
 
 }  // namespace sim
 
@@ -125,13 +98,19 @@ using sim::Call;
 ZENTREL_API ZENTREL_STATUS ZentrelInitialize(void) {
     Call call(__func__);
     if (!call.Proceed(false)) return call.Result();
-    call.Model().initialized = true;
+    sim::State &model = call.Model();
+    if (!sim::LoadStateFile(model.devices)) {
+        model.unusable = true;
+        return call.Return(sim::kStatusFailure);
+    }
+    model.initialized = true;
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
 ZENTREL_API ZENTREL_STATUS ZentrelExit(void) {
     Call call(__func__);
     if (!call.Proceed()) return call.Result();
+    sim::SaveStateFile(call.Model().devices);
     call.Model().initialized = false;
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }

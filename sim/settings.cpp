@@ -83,16 +83,7 @@ std::string Bounded(const char *text, size_t size) {
     return std::string(text, strnlen(text, size));
 }
 
-int ReadText(const Json &value, char *field, size_t width, std::string *error) {
-    if (!value.is_string() || value.get<std::string>().size() > width) {
-        *error = "must be a text of at most " + std::to_string(width) + " characters";
-        return -1;
-    }
-    PutText(field, width, value.get<std::string>().c_str());
-    return 1;
-}
-
-int ReadChar(const Json &value, char *field, std::string *error) {
+int ReadChar(const Json &value, char *field, Problem *error) {
     if (!value.is_string() || value.get<std::string>().size() != 1) {
         *error = "must be a text of one character";
         return -1;
@@ -101,79 +92,113 @@ int ReadChar(const Json &value, char *field, std::string *error) {
     return 1;
 }
 
-template <typename T>
-int Store(const Json &value, T *field, std::string *error) {
-    uint64_t v = 0;
-    if (!ReadNumber(value, static_cast<T>(~static_cast<T>(0)), &v, error)) return -1;
-    *field = static_cast<T>(v);
-    return 1;
-}
-
-// "a.b.c.d", or a number whose bytes are the parts, most significant first.
-int ReadVersion(const Json &value, uint8_t (&parts)[4], std::string *error) {
-    if (value.is_string() && value.get<std::string>().find('.') != std::string::npos) {
-        unsigned p[4] = {};
-        char tail = 0;
-        int got = sscanf(value.get<std::string>().c_str(), "%u.%u.%u.%u%c", &p[0], &p[1], &p[2], &p[3], &tail);
-        if (got != 4 || p[0] > 255 || p[1] > 255 || p[2] > 255 || p[3] > 255) {
-            *error = "a version is \"a.b.c.d\" with parts up to 255, or a number";
-            return -1;
-        }
-        for (int i = 0; i < 4; ++i) parts[i] = static_cast<uint8_t>(p[i]);
-        return 1;
-    }
+// A version into four bytes, most significant first.
+int ReadVersionBytes(const Json &value, uint8_t (&parts)[4], Problem *error) {
     uint32_t v = 0;
-    if (Store(value, &v, error) < 0) return -1;
+    if (!ReadVersion(value, &v, error)) return -1;
     for (int i = 0; i < 4; ++i) parts[i] = static_cast<uint8_t>(v >> (24 - 8 * i));
     return 1;
 }
 
-int ApplyMfgKey(Device &device, const std::string &key, const Json &value, std::string *error) {
+template <size_t Width>
+int Text(const Json &value, char (&field)[Width], Problem *error) {
+    return Took(ReadText(value, field, Width, error));
+}
+
+int ApplyMfgKey(Device &device, const std::string &key, const Json &value, Problem *error) {
     ZENTREL_SWITCH_MFG_INFO &mfg = device.settings.mfg;
-    int r = 0;
-    if (key == "mfgSecurity") r = Store(value, &mfg.Security, error);
-    else if (key == "mfgChipRevision") r = Store(value, &mfg.ChipRevision, error);
-    else if (key == "mfgChipId") r = Store(value, &mfg.ChipId, error);
-    else if (key == "mfgChipType") r = Store(value, &mfg.ChipType, error);
-    else if (key == "mfgLanes") r = Store(value, &mfg.NumberOfLanes, error);
-    else if (key == "mfgVendorId") r = ReadText(value, mfg.VendorId, sizeof mfg.VendorId, error);
-    else if (key == "mfgProductId") r = ReadText(value, mfg.ProductId, sizeof mfg.ProductId, error);
-    else if (key == "mfgProductRevision") r = ReadText(value, mfg.ProductRevision, sizeof mfg.ProductRevision, error);
-    else if (key == "mfgRevision") r = ReadVersion(value, mfg.MfgRevision, error);
-    else if (key == "mfgFwVersion") r = ReadVersion(value, mfg.FwVersion, error);
+    if (key == "mfgSecurity") return Took(Store(value, &mfg.Security, error));
+    if (key == "mfgChipRevision") return Took(Store(value, &mfg.ChipRevision, error));
+    if (key == "mfgChipId") return Took(Store(value, &mfg.ChipId, error));
+    if (key == "mfgChipType") return Took(Store(value, &mfg.ChipType, error));
+    if (key == "mfgLanes") return Took(Store(value, &mfg.NumberOfLanes, error));
+    if (key == "mfgVendorId") return Text(value, mfg.VendorId, error);
+    if (key == "mfgProductId") return Text(value, mfg.ProductId, error);
+    if (key == "mfgProductRevision") return Text(value, mfg.ProductRevision, error);
+    if (key == "mfgRevision") return ReadVersionBytes(value, mfg.MfgRevision, error);
+    if (key == "mfgFwVersion") return ReadVersionBytes(value, mfg.FwVersion, error);
+    return 0;
+}
+
+int ApplyWaferKey(Device &device, const std::string &key, const Json &value, Problem *error) {
+    ZENTREL_SWITCH_WAFER_INFO &wafer = device.settings.wafer;
+    if (key == "waferFab") return ReadChar(value, &wafer.FabDesignation, error);
+    if (key == "waferFabDescription") return Text(value, wafer.FabDescription, error);
+    if (key == "waferLot") return ReadChar(value, &wafer.LotDesignation, error);
+    if (key == "waferLotNumber") return Text(value, wafer.LotNumber, error);
+    if (key == "waferNumber") return Took(Store(value, &wafer.WaferNumber, error));
+    if (key == "waferX") return Took(Store(value, &wafer.XCoord, error));
+    if (key == "waferY") return Took(Store(value, &wafer.YCoord, error));
+    if (key == "waferInitialized") return Took(Store(value, &wafer.Initialized, error));
+    return 0;
+}
+
+// {"low": n, "high": n, "issuer": n, "zone": text}: the clock as last set.
+bool ReadSwitchTime(const Json &value, SettingsModel &s, Problem *error) {
+    Field fields[] = {{"low", &s.timeLow, UINT32_MAX}, {"high", &s.timeHigh, UINT32_MAX},
+                      {"issuer", &s.timeIssuer, ZENTREL_TIME_ISSUER_MAX}};
+    if (!ReadFields(value, fields, sizeof fields / sizeof fields[0], error, {"zone"})) return false;
+    if (const Json *zone = Member(value, "zone"))
+        if (!ReadText(*zone, s.timeZone, sizeof s.timeZone, error)) return error->In("zone");
+    return true;
+}
+
+int ApplyParameterKey(Device &device, const std::string &key, const Json &value, Problem *error) {
+    SettingsModel &s = device.settings;
+    if (key == "temperature") return Took(Store(value, &s.temperature, error));
+    if (key == "sbrVersion") return Took(ReadVersion(value, &s.sbrVersion, error));
+    if (key == "switchTime") return Took(ReadSwitchTime(value, s, error));
+    if (key == "timeHolder") return Took(Store(value, &s.timeHolder, error));
+    if (key == "oobCommMode") return Took(Store(value, &s.oob.CommMode, error));
+    if (key == "oobCommandTimeout") return Took(Store(value, &s.oob.CmdRespTimeout, error));
+    if (key == "oobPollInterval") return Took(Store(value, &s.oob.RespPollInterval, error));
+    if (key == "oobAbortTimeout") return Took(Store(value, &s.oob.AbortRespTimeout, error));
+    if (key == "oobResetTimeout") return Took(Store(value, &s.oob.ResetRespTimeout, error));
+    if (key == "asyncTimeout") return Took(Store(value, &s.asyncTimeout, error));
+    return 0;
+}
+
+int ApplySettingsKey(Device &device, const std::string &key, const Json &value, Problem *error) {
+    int r = ApplyMfgKey(device, key, value, error);
+    if (r == 0) r = ApplyWaferKey(device, key, value, error);
+    if (r == 0) r = ApplyParameterKey(device, key, value, error);
     return r;
 }
 
-int ApplyWaferKey(Device &device, const std::string &key, const Json &value, std::string *error) {
-    ZENTREL_SWITCH_WAFER_INFO &wafer = device.settings.wafer;
-    if (key == "waferFab") return ReadChar(value, &wafer.FabDesignation, error);
-    if (key == "waferFabDescription") return ReadText(value, wafer.FabDescription, sizeof wafer.FabDescription, error);
-    if (key == "waferLot") return ReadChar(value, &wafer.LotDesignation, error);
-    if (key == "waferLotNumber") return ReadText(value, wafer.LotNumber, sizeof wafer.LotNumber, error);
-    if (key == "waferNumber") return Store(value, &wafer.WaferNumber, error);
-    if (key == "waferX") return Store(value, &wafer.XCoord, error);
-    if (key == "waferY") return Store(value, &wafer.YCoord, error);
-    if (key == "waferInitialized") return Store(value, &wafer.Initialized, error);
+// The clock, its hold, the OOB parameters and the async time-out are
+// runtime settings: a power cycle loses them.
+void SaveSettings(const Device &device, Json *, Json *runtime) {
+    const SettingsModel &s = device.settings;
+    (*runtime)["switchTime"] = {{"low", s.timeLow},
+                                {"high", s.timeHigh},
+                                {"issuer", s.timeIssuer},
+                                {"zone", WriteText(s.timeZone, sizeof s.timeZone)}};
+    (*runtime)["timeHolder"] = s.timeHolder;
+    (*runtime)["oobCommandTimeout"] = s.oob.CmdRespTimeout;
+    (*runtime)["oobPollInterval"] = s.oob.RespPollInterval;
+    (*runtime)["oobAbortTimeout"] = s.oob.AbortRespTimeout;
+    (*runtime)["oobResetTimeout"] = s.oob.ResetRespTimeout;
+    (*runtime)["asyncTimeout"] = s.asyncTimeout;
+}
+
+// The library's logging: "logLevelAll", "logLevelSwitch", "logSize",
+// "logCount", "logOverwrite" and "logPath" (empty for the console).
+int ApplyLibraryKey(const std::string &key, const Json &value, Problem *error) {
+    LibParameters &p = gLibParameters;
+    if (key == "logLevelAll") return Took(Store(value, &p.levelAll, error));
+    if (key == "logLevelSwitch") return Took(Store(value, &p.levelSwitch, error));
+    if (key == "logSize") return Took(Store(value, &p.logSize, error));
+    if (key == "logCount") return Took(Store(value, &p.logCount, error));
+    if (key == "logOverwrite") return Took(Store(value, &p.overwrite, error));
+    if (key == "logPath") return Took(ReadText(value, p.path, sizeof p.path - 1, error));
     return 0;
 }
 
-int ApplyParameterKey(Device &device, const std::string &key, const Json &value, std::string *error) {
-    SettingsModel &s = device.settings;
-    if (key == "temperature") return Store(value, &s.temperature, error);
-    if (key == "sbrVersion") {
-        uint8_t parts[4] = {};
-        if (ReadVersion(value, parts, error) < 0) return -1;
-        s.sbrVersion = static_cast<uint32_t>(parts[0]) << 24 | parts[1] << 16 | parts[2] << 8 | parts[3];
-        return 1;
-    }
-    if (key == "timeHolder") return Store(value, &s.timeHolder, error);
-    if (key == "oobCommMode") return Store(value, &s.oob.CommMode, error);
-    if (key == "oobCommandTimeout") return Store(value, &s.oob.CmdRespTimeout, error);
-    if (key == "oobPollInterval") return Store(value, &s.oob.RespPollInterval, error);
-    if (key == "oobAbortTimeout") return Store(value, &s.oob.AbortRespTimeout, error);
-    if (key == "oobResetTimeout") return Store(value, &s.oob.ResetRespTimeout, error);
-    if (key == "asyncTimeout") return Store(value, &s.asyncTimeout, error);
-    return 0;
+void SaveLibrary(Json *library) {
+    const LibParameters &p = gLibParameters;
+    *library = {{"logLevelAll", p.levelAll},  {"logLevelSwitch", p.levelSwitch},
+                {"logSize", p.logSize},       {"logCount", p.logCount},
+                {"logOverwrite", p.overwrite}, {"logPath", WriteText(p.path, sizeof p.path)}};
 }
 
 }  // namespace
@@ -181,6 +206,8 @@ int ApplyParameterKey(Device &device, const std::string &key, const Json &value,
 void CacheMfgInfo(const Device &device) {
     switchMfgInfo_temp = device.settings.mfg;
 }
+
+namespace {
 
 void SetSettingsDefaults(Device &device, size_t index) {
     const Defaults &d = kDefaults[index < 2 ? index : 0];
@@ -218,12 +245,11 @@ void SetSettingsDefaults(Device &device, size_t index) {
     s.asyncTimeout = d.asyncTimeout;
 }
 
-int ApplySettingsKey(Device &device, const std::string &key, const Json &value, std::string *error) {
-    int r = ApplyMfgKey(device, key, value, error);
-    if (r == 0) r = ApplyWaferKey(device, key, value, error);
-    if (r == 0) r = ApplyParameterKey(device, key, value, error);
-    return r;
-}
+}  // namespace
+
+extern const ModelPart kSettingsPart = {
+    "settings", kSettingsFunctions, SetSettingsDefaults, ApplySettingsKey, SaveSettings, nullptr, ApplyLibraryKey, SaveLibrary,
+};
 
 }  // namespace sim
 

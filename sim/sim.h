@@ -7,8 +7,7 @@
 #include <string>
 #include <vector>
 
-#include <nlohmann/json.hpp>
-
+#include "reader.h"
 #include "settings_model.h"
 #include "status_model.h"
 #include "zentrel.h"
@@ -18,7 +17,7 @@ namespace sim {
 // Statuses the simulator answers with on its own (an injected status can be
 // any value). A vendor library has its own codes; the utility only prints them.
 enum : ZENTREL_STATUS {
-    kStatusFailure = 0x1,          // the scenario file could not be used
+    kStatusFailure = 0x1,          // the scenario or state file could not be used
     kStatusInvalidParameter = 0x2, // null record, wrong length, index out of range
     kStatusNoSuchDevice = 0x3,     // the device argument names no simulated switch
     kStatusNotInitialized = 0x4,   // called before ZentrelInitialize
@@ -45,7 +44,7 @@ struct Injection {
 struct State {
     std::mutex mutex;
     bool loaded = false;
-    bool unusable = false;  // the scenario file was bad
+    bool unusable = false;  // the scenario or state file was bad
     bool initialized = false;
     std::vector<Device> devices;
     std::vector<size_t> found;  // indices into devices, in discovery order
@@ -53,28 +52,47 @@ struct State {
     std::vector<std::pair<std::string, uint64_t>> callCounts;
 };
 
-using Json = nlohmann::json;
+// One part of the model (the front end, settings, status, ...). Each part
+// has a row in kModelParts; the scenario reader, the state file and the
+// injection checks go through that table, so a new part adds one row.
+struct ModelPart {
+    const char *name;
+    // The functions the part exports, ending with null; a scenario may
+    // inject into these only.
+    const char *const *functions;
+    // The part's values of switch `index` of the default fleet.
+    void (*setDefaults)(Device &device, size_t index);
+    // One device key of a scenario or of the state file: 1 when it took
+    // the key, 0 when the key is not its own, -1 with the problem set.
+    int (*applyKey)(Device &device, const std::string &key, const Json &value, Problem *error);
+    // Writes everything calls can change, as device keys applyKey reads
+    // back: what the switch keeps in flash or its configuration page into
+    // *flash, what a power cycle loses into *runtime. Null: nothing changes.
+    void (*save)(const Device &device, Json *flash, Json *runtime);
+    // After a power cycle (the runtime keys were not loaded): runtime
+    // copies take their flash values. Null: nothing to do.
+    void (*powerCycle)(Device &device);
+    // The same for values of the library rather than of a switch, under the
+    // top-level "library" key. Null: the part has none.
+    int (*applyLibraryKey)(const std::string &key, const Json &value, Problem *error);
+    void (*saveLibrary)(Json *library);
+};
 
-// Reads one number of a scenario: a JSON integer, or a text in decimal or
-// with a 0x prefix in hex. False, with *error set, when it is neither or
-// does not fit max.
-bool ReadNumber(const Json &value, uint64_t max, uint64_t *out, std::string *error);
+extern const ModelPart kFrontendPart, kSettingsPart, kStatusPart;
+// Every part, in the order their defaults and keys apply; ends with null.
+extern const ModelPart *const kModelParts[];
 
-// The functions each part of the model exports, each list ending with null;
-// a scenario may inject into these only.
-extern const char *const kFrontendFunctions[];
-extern const char *const kSettingsFunctions[];
-extern const char *const kStatusFunctions[];
+// The keys of one switch, or of the library, of a scenario or state file,
+// each handed to the part that owns it. False, with the problem set, at the
+// first bad or unknown key.
+bool ApplyDeviceKeys(Device &device, const Json &keys, Problem *error);
+bool ApplyLibraryKeys(const Json &keys, Problem *error);
 
-// The default fleet and the scenario keys of each part of the model.
-// Each Apply...Key returns 1 when it took the key, 0 when the key is not
-// its own, -1 with *error set when the value is bad.
-void SetFrontendDefaults(Device &device, size_t index);
-int ApplyFrontendKey(Device &device, const std::string &key, const Json &value, std::string *error);
-void SetSettingsDefaults(Device &device, size_t index);
-int ApplySettingsKey(Device &device, const std::string &key, const Json &value, std::string *error);
-void SetStatusDefaults(Device &device, size_t index);
-int ApplyStatusKey(Device &device, const std::string &key, const Json &value, std::string *error);
+// The state file named by ZENTREL_SIM_STATE, if any: read over the fleet
+// as the library is initialised (false, after a message on standard error,
+// when it cannot be used), written back as the library exits.
+bool LoadStateFile(std::vector<Device> &devices);
+void SaveStateFile(const std::vector<Device> &devices);
 
 // One library call: counts it, applies the scenario's latency and injected
 // status, decides whether the model runs, and traces it with its arguments

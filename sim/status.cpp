@@ -99,43 +99,11 @@ void SetPinLevels(StatusModel &status, uint32_t first, uint32_t levels) {
     for (uint32_t i = 0; i < 32; ++i) status.pins[first + i].high = (levels >> i & 1u) != 0;
 }
 
-bool StoreNumber(const Json &value, uint64_t max, uint32_t *field, std::string *error) {
-    uint64_t v = 0;
-    if (!ReadNumber(value, max, &v, error)) return false;
-    *field = static_cast<uint32_t>(v);
-    return true;
+bool StoreNumber(const Json &value, uint64_t max, uint32_t *field, Problem *error) {
+    return Store(value, field, error, max);
 }
 
-// A field of a scenario object and where its value goes.
-struct Field {
-    const char *name;
-    uint32_t *place;
-    uint64_t max;
-};
-
-// {"field": number, ...}: only the fields given change.
-bool ReadFields(const Json &value, Field *fields, size_t count, std::string *error) {
-    if (!value.is_object()) {
-        *error = "must be an object";
-        return false;
-    }
-    for (auto it = value.begin(); it != value.end(); ++it) {
-        Field *field = nullptr;
-        for (size_t i = 0; i < count; ++i)
-            if (it.key() == fields[i].name) field = &fields[i];
-        if (field == nullptr) {
-            *error = "unknown field \"" + it.key() + "\"";
-            return false;
-        }
-        if (!StoreNumber(*it, field->max, field->place, error)) {
-            *error = "\"" + it.key() + "\": " + *error;
-            return false;
-        }
-    }
-    return true;
-}
-
-bool ReadCcr(const Json &value, ZENTREL_SWITCH_CCR_STATUS *ccr, std::string *error) {
+bool ReadCcr(const Json &value, ZENTREL_SWITCH_CCR_STATUS *ccr, Problem *error) {
     Field fields[] = {
         {"s0PcePerstN", &ccr->S0PcePerstN, UINT32_MAX}, {"s1PcePerstN", &ccr->S1PcePerstN, UINT32_MAX},
         {"s2PcePerstN", &ccr->S2PcePerstN, UINT32_MAX}, {"s3PcePerstN", &ccr->S3PcePerstN, UINT32_MAX},
@@ -145,7 +113,7 @@ bool ReadCcr(const Json &value, ZENTREL_SWITCH_CCR_STATUS *ccr, std::string *err
     return ReadFields(value, fields, sizeof fields / sizeof fields[0], error);
 }
 
-bool ReadPowerOnSense(const Json &value, ZENTREL_SWITCH_POWER_ON_SENSE *sense, std::string *error) {
+bool ReadPowerOnSense(const Json &value, ZENTREL_SWITCH_POWER_ON_SENSE *sense, Problem *error) {
     Field fields[] = {
         {"sbrCsSel", &sense->SbrCsSel, UINT32_MAX},
         {"sblDisable", &sense->SblDisable, UINT32_MAX},
@@ -156,7 +124,7 @@ bool ReadPowerOnSense(const Json &value, ZENTREL_SWITCH_POWER_ON_SENSE *sense, s
     return ReadFields(value, fields, sizeof fields / sizeof fields[0], error);
 }
 
-bool ReadSpareState(const Json &value, StatusModel &status, std::string *error) {
+bool ReadSpareState(const Json &value, StatusModel &status, Problem *error) {
     uint32_t low = PinLevels(status, 0), high = PinLevels(status, 32);
     Field fields[] = {
         {"gpioDataLow", &low, UINT32_MAX},
@@ -170,28 +138,29 @@ bool ReadSpareState(const Json &value, StatusModel &status, std::string *error) 
 }
 
 // [{"pin": n, "high": 0/1, "output": 0/1, "port": n, "altDSel": n}, ...]
-bool ReadPins(const Json &value, StatusModel &status, std::string *error) {
+bool ReadPins(const Json &value, StatusModel &status, Problem *error) {
     if (!value.is_array()) {
         *error = "must be a list of pins";
         return false;
     }
-    for (const Json &entry : value) {
+    for (size_t i = 0; i < value.size(); ++i) {
+        const Json &entry = value[i];
         uint32_t pin = 0;
-        if (!entry.is_object() || !entry.contains("pin") || !StoreNumber(entry["pin"], kGpioPinCount - 1, &pin, error)) {
+        const Json *number = Member(entry, "pin");
+        if (number == nullptr) {
             *error = "each pin needs \"pin\" from 0 to 63";
-            return false;
+            return error->At(i);
         }
+        if (!StoreNumber(*number, kGpioPinCount - 1, &pin, error)) return error->In("pin"), error->At(i);
         GpioPin &p = status.pins[pin];
         uint32_t high = p.high, output = p.output, port = p.port, altDSel = p.altDSel;
-        Json rest = entry;
-        rest.erase("pin");
         Field fields[] = {
             {"high", &high, 1},
             {"output", &output, 1},
             {"port", &port, kLastPort},
             {"altDSel", &altDSel, ZENTREL_GPIO_ALT_DSEL_MASK},
         };
-        if (!ReadFields(rest, fields, sizeof fields / sizeof fields[0], error)) return false;
+        if (!ReadFields(entry, fields, sizeof fields / sizeof fields[0], error, {"pin"})) return error->At(i);
         p.high = high != 0;
         p.output = output != 0;
         p.port = static_cast<uint8_t>(port);
@@ -200,70 +169,69 @@ bool ReadPins(const Json &value, StatusModel &status, std::string *error) {
     return true;
 }
 
-// {"severity": n, "masks": [n, ...]}: both the runtime copy and the page.
-bool ReadHealth(const Json &value, StatusModel &status, std::string *error) {
-    if (!value.is_object()) {
-        *error = "must be an object";
-        return false;
+// {"severity": n, "masks": [n, ...]}: one copy of the health configuration.
+bool ReadHealth(const Json &value, HealthSettings *settings, Problem *error) {
+    Field fields[] = {{"severity", &settings->severity, ZENTREL_HEALTH_SEVERITY_LAST}};
+    if (!ReadFields(value, fields, 1, error, {"masks"})) return false;
+    const Json *masks = Member(value, "masks");
+    if (masks == nullptr) return true;
+    if (!masks->is_array() || masks->size() > ZENTREL_HEALTH_SUBSYSTEM_COUNT) {
+        *error = "must be a list of at most 10 masks";
+        return error->In("masks");
     }
-    HealthSettings settings = status.healthRuntime;
-    for (auto it = value.begin(); it != value.end(); ++it) {
-        if (it.key() == "severity") {
-            if (!StoreNumber(*it, ZENTREL_HEALTH_SEVERITY_LAST, &settings.severity, error)) return false;
-        } else if (it.key() == "masks") {
-            if (!it->is_array() || it->size() > ZENTREL_HEALTH_SUBSYSTEM_COUNT) {
-                *error = "\"masks\" must be a list of at most 10 masks";
-                return false;
-            }
-            for (size_t i = 0; i < it->size(); ++i)
-                if (!StoreNumber((*it)[i], UINT32_MAX, &settings.masks[i], error)) return false;
-        } else {
-            *error = "unknown field \"" + it.key() + "\"";
-            return false;
-        }
-    }
-    status.healthRuntime = settings;
-    status.healthPage = settings;
+    for (size_t i = 0; i < masks->size(); ++i)
+        if (!StoreNumber((*masks)[i], UINT32_MAX, &settings->masks[i], error)) return error->At(i), error->In("masks");
     return true;
+}
+
+Json WriteHealth(const HealthSettings &settings) {
+    return {{"severity", settings.severity}, {"masks", settings.masks}};
 }
 
 // {"deviceMs": n, "stations": [{"station": s, "runtimeMs": n, "flashMs": n}, ...]};
 // 0 ms leaves a station without a time-out of its own.
-bool ReadTagSb(const Json &value, StatusModel &status, std::string *error) {
-    if (!value.is_object()) {
-        *error = "must be an object";
+bool ReadStations(const Json &list, StatusModel &status, Problem *error) {
+    if (!list.is_array()) {
+        *error = "must be a list, not " + Excerpt(list);
         return false;
     }
-    for (auto it = value.begin(); it != value.end(); ++it) {
-        if (it.key() == "deviceMs") {
-            uint32_t ms = 0;
-            if (!StoreNumber(*it, UINT16_MAX, &ms, error)) return false;
-            status.deviceTagSbTimeoutMs = static_cast<uint16_t>(ms);
-        } else if (it.key() == "stations" && it->is_array()) {
-            for (const Json &entry : *it) {
-                uint32_t station = 0;
-                if (!entry.is_object() || !entry.contains("station") ||
-                    !StoreNumber(entry["station"], kStationCount - 1, &station, error)) {
-                    *error = "each station needs \"station\" from 0 to 8";
-                    return false;
-                }
-                StationTimeout &runtime = status.tagSbRuntime[station];
-                StationTimeout &flash = status.tagSbFlash[station];
-                uint32_t runtimeMs = runtime.enabled ? runtime.ms : 0;
-                uint32_t flashMs = flash.enabled ? flash.ms : 0;
-                Json rest = entry;
-                rest.erase("station");
-                Field fields[] = {{"runtimeMs", &runtimeMs, UINT16_MAX}, {"flashMs", &flashMs, UINT16_MAX}};
-                if (!ReadFields(rest, fields, 2, error)) return false;
-                runtime = {runtimeMs != 0, static_cast<uint16_t>(runtimeMs)};
-                flash = {flashMs != 0, static_cast<uint16_t>(flashMs)};
-            }
-        } else {
-            *error = "unknown field \"" + it.key() + "\" (\"stations\" is a list)";
-            return false;
+    for (size_t i = 0; i < list.size(); ++i) {
+        const Json &entry = list[i];
+        uint32_t station = 0;
+        const Json *number = Member(entry, "station");
+        if (number == nullptr) {
+            *error = "each station needs \"station\" from 0 to 8";
+            return error->At(i);
         }
+        if (!StoreNumber(*number, kStationCount - 1, &station, error)) return error->In("station"), error->At(i);
+        StationTimeout &runtime = status.tagSbRuntime[station];
+        StationTimeout &flash = status.tagSbFlash[station];
+        uint32_t runtimeMs = runtime.enabled ? runtime.ms : 0;
+        uint32_t flashMs = flash.enabled ? flash.ms : 0;
+        Field fields[] = {{"runtimeMs", &runtimeMs, UINT16_MAX}, {"flashMs", &flashMs, UINT16_MAX}};
+        if (!ReadFields(entry, fields, 2, error, {"station"})) return error->At(i);
+        runtime = {runtimeMs != 0, static_cast<uint16_t>(runtimeMs)};
+        flash = {flashMs != 0, static_cast<uint16_t>(flashMs)};
     }
     return true;
+}
+
+bool ReadTagSb(const Json &value, StatusModel &status, Problem *error) {
+    uint32_t deviceMs = status.deviceTagSbTimeoutMs;
+    Field fields[] = {{"deviceMs", &deviceMs, UINT16_MAX}};
+    if (!ReadFields(value, fields, 1, error, {"stations"})) return false;
+    status.deviceTagSbTimeoutMs = static_cast<uint16_t>(deviceMs);
+    if (const Json *stations = Member(value, "stations"))
+        if (!ReadStations(*stations, status, error)) return error->In("stations");
+    return true;
+}
+
+// Every station's own time-out of one copy, as "runtimeMs" or "flashMs".
+Json WriteStations(const StationTimeout (&copy)[kStationCount], const char *name) {
+    Json stations = Json::array();
+    for (uint32_t i = 0; i < kStationCount; ++i)
+        stations.push_back({{"station", i}, {name, copy[i].enabled ? copy[i].ms : 0}});
+    return stations;
 }
 
 bool AllZero(const uint8_t *bytes, size_t count) {
@@ -280,8 +248,6 @@ void Report(const StatusModel &status, const StationTimeout &own, uint8_t statio
     response->Station = station;
     response->TimeoutMs = own.enabled ? own.ms : status.deviceTagSbTimeoutMs;
 }
-
-}  // namespace
 
 void SetStatusDefaults(Device &device, size_t index) {
     const Defaults &d = kDefaults[index < 2 ? index : 0];
@@ -305,17 +271,56 @@ void SetStatusDefaults(Device &device, size_t index) {
     }
 }
 
-int ApplyStatusKey(Device &device, const std::string &key, const Json &value, std::string *error) {
+int ApplyStatusKey(Device &device, const std::string &key, const Json &value, Problem *error) {
     StatusModel &s = device.status;
-    if (key == "ccrStatus") return ReadCcr(value, &s.ccr, error) ? 1 : -1;
-    if (key == "powerOnSense") return ReadPowerOnSense(value, &s.powerOnSense, error) ? 1 : -1;
-    if (key == "sysErrStatus") return StoreNumber(value, UINT32_MAX, &s.sysErrStatus, error) ? 1 : -1;
-    if (key == "gpioSpareState") return ReadSpareState(value, s, error) ? 1 : -1;
-    if (key == "gpioPins") return ReadPins(value, s, error) ? 1 : -1;
-    if (key == "healthConfig") return ReadHealth(value, s, error) ? 1 : -1;
-    if (key == "tagSbTimeout") return ReadTagSb(value, s, error) ? 1 : -1;
+    if (key == "ccrStatus") return Took(ReadCcr(value, &s.ccr, error));
+    if (key == "powerOnSense") return Took(ReadPowerOnSense(value, &s.powerOnSense, error));
+    if (key == "sysErrStatus") return Took(StoreNumber(value, UINT32_MAX, &s.sysErrStatus, error));
+    if (key == "gpioSpareState") return Took(ReadSpareState(value, s, error));
+    if (key == "gpioPins") return Took(ReadPins(value, s, error));
+    if (key == "healthConfig") {
+        // Both copies: the page as the switch starts, and the runtime copy.
+        if (!ReadHealth(value, &s.healthRuntime, error)) return -1;
+        s.healthPage = s.healthRuntime;
+        return 1;
+    }
+    if (key == "healthRuntime") return Took(ReadHealth(value, &s.healthRuntime, error));
+    if (key == "healthPage") return Took(ReadHealth(value, &s.healthPage, error));
+    if (key == "tagSbTimeout") return Took(ReadTagSb(value, s, error));
     return 0;
 }
+
+// The configuration page of the health settings and the flash copies of
+// the tag scoreboard time-outs survive a power cycle; the runtime copies
+// and the GPIO pins' levels, directions and assignments do not.
+void SaveStatus(const Device &device, Json *flash, Json *runtime) {
+    const StatusModel &s = device.status;
+    (*flash)["healthPage"] = WriteHealth(s.healthPage);
+    (*flash)["tagSbTimeout"] = {{"deviceMs", s.deviceTagSbTimeoutMs}, {"stations", WriteStations(s.tagSbFlash, "flashMs")}};
+    (*runtime)["healthRuntime"] = WriteHealth(s.healthRuntime);
+    (*runtime)["tagSbTimeout"] = {{"stations", WriteStations(s.tagSbRuntime, "runtimeMs")}};
+    Json pins = Json::array();
+    for (uint32_t i = 0; i < kGpioPinCount; ++i) {
+        const GpioPin &p = s.pins[i];
+        pins.push_back({{"pin", i}, {"high", p.high ? 1 : 0}, {"output", p.output ? 1 : 0}, {"port", p.port},
+                        {"altDSel", p.altDSel}});
+    }
+    (*runtime)["gpioPins"] = pins;
+}
+
+// A switch starts with the health settings of its configuration page and
+// the tag scoreboard time-outs of its flash.
+void PowerCycleStatus(Device &device) {
+    StatusModel &s = device.status;
+    s.healthRuntime = s.healthPage;
+    for (uint32_t i = 0; i < kStationCount; ++i) s.tagSbRuntime[i] = s.tagSbFlash[i];
+}
+
+}  // namespace
+
+extern const ModelPart kStatusPart = {
+    "status", kStatusFunctions, SetStatusDefaults, ApplyStatusKey, SaveStatus, PowerCycleStatus, nullptr, nullptr,
+};
 
 }  // namespace sim
 
