@@ -144,7 +144,7 @@ int SelectDevice(uint32_t deviceCount) {
         ScanDecimal(&gSelectedDeviceIndex);
         if (gSelectedDeviceIndex < deviceCount) break;
         // The prompt repeats until a valid index is typed; once the input
-        // has ended no answer can come, so stop instead of spinning.
+        // has ended or failed no answer can come, so stop instead of spinning.
         if (InputEnded()) {
             printf("\n");
             return 1;

@@ -123,6 +123,8 @@ uint32_t AskDecimal(std::initializer_list<const char *> lines) {
     return answer;
 }
 
+// A read error (standard input closed, a directory, a descriptor that
+// would block) ends the input as its end does: no answer can come.
 bool InputEnded() {
-    return feof(stdin) != 0;
+    return feof(stdin) != 0 || ferror(stdin) != 0;
 }

@@ -7,7 +7,7 @@
 // is not a number leaves the value untouched and is consumed with the rest
 // of its line, so the next prompt reads the next answer. Each returns 1
 // when a value was stored, 0 for an answer that is not a number, EOF at
-// the end of input.
+// the end of input or on a read error.
 #ifndef ZENTRELLIBTEST_INPUT_H
 #define ZENTRELLIBTEST_INPUT_H
 
@@ -31,7 +31,7 @@ int ScanWord(char *buffer, size_t size);  // "%s", cut to size - 1 characters
 // reads one "%d" answer; an answer that is not a number gives 0.
 uint32_t AskDecimal(std::initializer_list<const char *> lines);
 
-// True once standard input has reached its end.
+// True once standard input has reached its end or failed to read.
 bool InputEnded();
 
 #endif

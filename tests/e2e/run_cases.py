@@ -9,7 +9,14 @@ header lines follow, then sections that begin with "--- <section>":
     status: 0                   expected exit status (default 0)
     signal: QUIT when "text"    send SIGINT/SIGQUIT once stdout ends with text
     timeout: 20                 seconds (default 10, times the launcher factor)
+    stdin: closed               standard input closed, or "directory" (reads fail);
+                                without it, the stdin section through a pipe
+    state: NAME                 ZENTREL_SIM_STATE names NAME in a directory that
+                                the cases of one file share, in order (so a run
+                                sees what the runs before it left)
     --- stdin                   standard input, byte for byte (same escapes)
+    --- state                   written to the state file before the run
+    --- state after             expected content of the state file after the run
     --- scenario                JSON handed to the simulator
     --- stdout                  expected standard output, exactly
     --- stderr                  expected standard error (default: empty)
@@ -24,7 +31,7 @@ lines at the end of a section are dropped), and \\c at the end of a line
 for "no newline here". A line
 "@name" inserts fragments/name.txt. Every file that a run leaves in its
 working directory must be listed with a "file" section. In stderr, the
-scenario file's path reads SCENARIO.
+scenario file's path reads SCENARIO, and the shared state directory STATEDIR.
 """
 import argparse
 import os
@@ -133,7 +140,7 @@ def parse_cases(path):
             # Blank lines before the next case or section belong to nothing.
             while body and body[-1] == "":
                 body.pop()
-        known = {"args", "status", "signal", "timeout"}
+        known = {"args", "status", "signal", "timeout", "stdin", "state"}
         extra = set(case["headers"]) - known
         if extra:
             raise CaseError(f"{path}: case '{case['name']}': unknown header {sorted(extra)}")
@@ -152,7 +159,7 @@ def describe(expected, actual):
     return "outputs differ"
 
 
-def run_case(case, args, where):
+def run_case(case, args, where, state_dir):
     h = case["headers"]
     s = case["sections"]
     work = tempfile.mkdtemp(prefix="zentrel-e2e-")
@@ -161,7 +168,17 @@ def run_case(case, args, where):
     trace = os.path.join(work, "trace.txt")
     env = dict(os.environ)
     env.pop("ZENTREL_SIM_SCENARIO", None)
+    env.pop("ZENTREL_SIM_STATE", None)
     env["ZENTREL_SIM_TRACE"] = trace
+    state = None
+    if "state" in h:
+        state = os.path.join(state_dir, h["state"])
+        env["ZENTREL_SIM_STATE"] = state
+        if "state" in s:
+            with open(state, "w", encoding="utf-8") as f:
+                f.write("\n".join(s["state"]) + "\n")
+    elif "state" in s or "state after" in s:
+        raise CaseError(f"{where}: a state section needs a state: header")
     if "scenario" in s:
         scenario = os.path.join(work, "scenario.json")
         with open(scenario, "w", encoding="utf-8") as f:
@@ -172,11 +189,28 @@ def run_case(case, args, where):
     stdin = expand(s["stdin"], where + " stdin").encode() if "stdin" in s else b""
     argv = shlex.split(args.launcher) + [args.binary] + shlex.split(h.get("args", ""))
     timeout = float(h.get("timeout", "10")) * args.slow
+    stdin_kind = h.get("stdin", "pipe")
+    if stdin_kind not in ("pipe", "closed", "directory"):
+        raise CaseError(f"{where}: stdin: closed or directory")
+    if stdin_kind != "pipe" and "stdin" in s:
+        raise CaseError(f"{where}: a stdin section needs standard input through a pipe")
+    child_stdin = subprocess.PIPE
+    preexec = None
+    directory_fd = None
+    if stdin_kind == "closed":
+        child_stdin = None
+        preexec = lambda: os.close(0)
+    elif stdin_kind == "directory":
+        directory_fd = os.open(work, os.O_RDONLY)
+        child_stdin = directory_fd
     try:
-        proc = subprocess.Popen(argv, cwd=cwd, env=env, stdin=subprocess.PIPE,
+        proc = subprocess.Popen(argv, cwd=cwd, env=env, stdin=child_stdin, preexec_fn=preexec,
                                 stdout=subprocess.PIPE, stderr=subprocess.PIPE)
     except OSError as e:
         raise CaseError(f"{where}: cannot start {argv[0]}: {e}")
+    finally:
+        if directory_fd is not None:
+            os.close(directory_fd)
     out = bytearray()
     err = bytearray()
 
@@ -191,11 +225,12 @@ def run_case(case, args, where):
                threading.Thread(target=pump, args=(proc.stderr, err), daemon=True)]
     for r in readers:
         r.start()
-    try:
-        proc.stdin.write(stdin)
-        proc.stdin.flush()
-    except BrokenPipeError:
-        pass
+    if proc.stdin is not None:
+        try:
+            proc.stdin.write(stdin)
+            proc.stdin.flush()
+        except BrokenPipeError:
+            pass
     deadline = time.monotonic() + timeout
     if "signal" in h:
         m = re.fullmatch(r'(INT|QUIT) when "(.*)"', h["signal"])
@@ -212,10 +247,11 @@ def run_case(case, args, where):
                             + bytes(out).decode(errors="replace"))
         if proc.poll() is None:
             proc.send_signal(signal.SIGINT if m.group(1) == "INT" else signal.SIGQUIT)
-    try:
-        proc.stdin.close()
-    except BrokenPipeError:
-        pass
+    if proc.stdin is not None:
+        try:
+            proc.stdin.close()
+        except BrokenPipeError:
+            pass
     try:
         proc.wait(max(0.1, deadline - time.monotonic()))
     except subprocess.TimeoutExpired:
@@ -232,6 +268,7 @@ def run_case(case, args, where):
     actual_err = bytes(err).decode("utf-8", errors="replace")
     if "scenario" in s:
         actual_err = actual_err.replace(env["ZENTREL_SIM_SCENARIO"], "SCENARIO")
+    actual_err = actual_err.replace(state_dir, "STATEDIR")
     status = int(h.get("status", "0"))
     if proc.returncode != status:
         failures.append(f"exit status {proc.returncode}, expected {status}")
@@ -251,6 +288,15 @@ def run_case(case, args, where):
             actual = ""
         if actual != expected:
             failures.append("calls: " + describe(expected, actual))
+    if "state after" in s:
+        expected = expand(s["state after"], where + " state after")
+        try:
+            with open(state, encoding="utf-8") as f:
+                actual = f.read()
+        except OSError:
+            actual = "<no state file>\n"
+        if actual != expected:
+            failures.append("state after: " + describe(expected, actual))
     files = {name[5:].strip(): body for name, body in s.items() if name.startswith("file ")}
     for name, body in files.items():
         path = os.path.join(cwd, name)
@@ -288,11 +334,12 @@ def main():
             print(f"ERROR {e}")
             failed += 1
             continue
+        state_dir = tempfile.mkdtemp(prefix="zentrel-e2e-state-")
         for case in cases:
             where = f"{os.path.basename(path)}:{case['line']} '{case['name']}'"
             started = time.monotonic()
             try:
-                failures = run_case(case, args, where)
+                failures = run_case(case, args, where, state_dir)
             except CaseError as e:
                 failures = [str(e)]
             if failures:
