@@ -14,9 +14,13 @@ namespace {
 // Keys and texts quoted in a message are cut to this many bytes.
 constexpr size_t kExcerptBytes = 40;
 
+// The first few dozen bytes of a text, quoted as JSON writes it, so that
+// control characters and broken UTF-8 cannot break the message's line.
 std::string Cut(const std::string &text) {
-    if (text.size() <= kExcerptBytes) return text;
-    return text.substr(0, kExcerptBytes) + "...";
+    bool cut = text.size() > kExcerptBytes;
+    std::string quoted = Json(cut ? text.substr(0, kExcerptBytes) : text).dump(-1, ' ', false, Json::error_handler_t::replace);
+    if (cut) quoted.insert(quoted.size() - 1, "...");
+    return quoted;
 }
 
 // Checks the syntax and the nesting depth in one pass, without building
@@ -85,6 +89,7 @@ bool IsPlainText(const char *text, size_t size) {
 
 bool Problem::In(const std::string &key) {
     std::string segment = Cut(key);
+    segment = segment.substr(1, segment.size() - 2);  // a path's names go unquoted
     if (path.empty())
         path = segment;
     else if (path[0] == '[')
@@ -100,7 +105,7 @@ bool Problem::At(size_t index) {
 }
 
 std::string Quote(const std::string &key) {
-    return "\"" + Cut(key) + "\"";
+    return Cut(key);
 }
 
 std::string Excerpt(const Json &value) {
@@ -157,8 +162,11 @@ bool ReadNumber(const Json &value, uint64_t max, uint64_t *out, Problem *error) 
     if (value.is_number_unsigned()) {
         v = value.get<uint64_t>();
     } else if (value.is_number_integer()) {
-        *error = "a negative number is not allowed here";
-        return false;
+        if (value.get<int64_t>() < 0) {
+            *error = "a negative number is not allowed here";
+            return false;
+        }
+        v = static_cast<uint64_t>(value.get<int64_t>());
     } else if (value.is_number_float()) {
         // Whole numbers beyond 64 bits arrive as floating point.
         double d = value.get<double>();
