@@ -2,13 +2,14 @@
 // utility to the next, as a real switch would.
 //
 // ZentrelInitialize reads it (when it exists) over the fleet the defaults
-// and the scenario built; ZentrelExit writes it back. Several utilities may
-// share one file at once: the writer takes an advisory lock on a lock file
-// beside it, reads the file again under the lock, and applies only what its
-// own run changed, member by member, before it replaces the file atomically
-// (a temporary file in the same directory, then rename). So two runs that
-// change different settings both keep their change, and nobody waits for
-// another run to end.
+// and the scenario built; ZentrelExit writes back what the run changed. So
+// the file holds what runs have changed; anything else comes from the
+// defaults and the scenario. Several utilities may share one file at once:
+// the writer takes an advisory lock on a lock file beside it, reads the file
+// again under the lock, and applies only what its own run changed, member by
+// member, before it replaces the file atomically (a temporary file in the
+// same directory, then rename). So two runs that change different settings
+// both keep their change, and nobody waits for another run to end.
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -27,10 +28,12 @@ namespace {
 const char kStateVariable[] = "ZENTREL_SIM_STATE";
 constexpr uint64_t kStateVersion = 1;
 
-// The file as this run read it ({} when there was none): what the run's
-// changes are measured against when it writes the file back.
-Json gReadState = Json::object();
+// The model as this run loaded it, in the state file's form: what the run's
+// own changes are measured against when it writes the file back.
+Json gLoadedState = Json::object();
 bool gHaveStatePath = false;
+// The file asked for a power cycle, and this run carried it out.
+bool gPowerCycled = false;
 
 const char *StatePath() {
     const char *path = getenv(kStateVariable);
@@ -105,7 +108,7 @@ bool ApplyDevices(std::vector<Device> &devices, const Json &map, bool powerCycle
 }
 
 // Applies a state file's content to the devices and the library.
-bool ApplyState(const Json &doc, std::vector<Device> &devices, Problem *error) {
+bool ApplyState(const Json &doc, std::vector<Device> &devices, Problem *error, bool *powerCycledOut = nullptr) {
     if (!doc.is_object()) {
         *error = "the top level must be an object";
         return false;
@@ -130,6 +133,7 @@ bool ApplyState(const Json &doc, std::vector<Device> &devices, Problem *error) {
         }
         powerCycled = cycle->get<bool>();
     }
+    if (powerCycledOut != nullptr) *powerCycledOut = powerCycled;
     for (auto it = doc.begin(); it != doc.end(); ++it) {
         const std::string &key = it.key();
         if (key == "version" || key == "powerCycle" || key == "comment") continue;
@@ -146,13 +150,12 @@ bool ApplyState(const Json &doc, std::vector<Device> &devices, Problem *error) {
 }
 
 // What the model holds now, in the state file's form. Switches the file
-// holds that this fleet does not have are kept as they were read.
+// holds that this fleet does not have are not part of it, so a run leaves
+// them in the file as they are.
 Json CurrentState(const std::vector<Device> &devices) {
     Json doc = {{"version", kStateVersion}};
     Json library = Json::object();
     Json map = Json::object();
-    if (const Json *read = Member(gReadState, "devices"))
-        if (read->is_object()) map = *read;
     for (const Device &device : devices) {
         Json flash = Json::object(), runtime = Json::object();
         for (const ModelPart *const *part = kModelParts; *part != nullptr; ++part)
@@ -173,6 +176,7 @@ Json CurrentState(const std::vector<Device> &devices) {
 // Applies to *target what changed from before to after: objects member by
 // member, lists of one length entry by entry, anything else whole.
 void MergeChanges(Json *target, const Json &before, const Json &after) {
+    if (after.is_object() && target->is_null()) *target = Json::object();  // the file lacked it
     if (after.is_object() && target->is_object()) {
         for (auto it = after.begin(); it != after.end(); ++it) {
             const Json *old = Member(before, it.key().c_str());
@@ -192,6 +196,33 @@ void MergeChanges(Json *target, const Json &before, const Json &after) {
         return;
     }
     *target = after;
+}
+
+bool IsFlat(const Json &value) {
+    if (!value.is_structured()) return true;
+    for (const Json &child : value)
+        if (child.is_structured()) return false;
+    return true;
+}
+
+// JSON for people: a list or object holding only numbers and texts stands
+// on one line, everything else one member a line.
+void Format(const Json &value, size_t indent, std::string *out) {
+    if (IsFlat(value)) {
+        *out += value.dump(-1, ' ', false, Json::error_handler_t::replace);
+        return;
+    }
+    bool object = value.is_object();
+    *out += object ? "{\n" : "[\n";
+    size_t n = 0;
+    for (auto it = value.begin(); it != value.end(); ++it) {
+        out->append(indent + 2, ' ');
+        if (object) *out += Json(it.key()).dump(-1, ' ', false, Json::error_handler_t::replace) + ": ";
+        Format(*it, indent + 2, out);
+        *out += ++n < value.size() ? ",\n" : "\n";
+    }
+    out->append(indent, ' ');
+    *out += object ? "}" : "]";
 }
 
 bool WriteAll(int fd, const std::string &text) {
@@ -225,24 +256,29 @@ bool Replace(const char *path, const std::string &text, std::string *why) {
 }  // namespace
 
 bool LoadStateFile(std::vector<Device> &devices) {
-    gReadState = Json::object();
     const char *path = StatePath();
     gHaveStatePath = path != nullptr;
+    gPowerCycled = false;
     if (path == nullptr) return true;
     struct stat st;
-    if (stat(path, &st) != 0 && errno == ENOENT) return true;  // a fresh fleet
-    Json doc;
-    std::string why;
-    if (!ReadJsonFile(path, &doc, &why)) {
-        Complain(path, why);
-        return false;
+    if (!(stat(path, &st) != 0 && errno == ENOENT)) {  // no file: a fresh fleet
+        Json doc;
+        std::string why;
+        if (!ReadJsonFile(path, &doc, &why)) {
+            Complain(path, why);
+            return false;
+        }
+        Problem error;
+        if (!ApplyState(doc, devices, &error, &gPowerCycled)) {
+            Complain(path, error.Text());
+            return false;
+        }
     }
-    Problem error;
-    if (!ApplyState(doc, devices, &error)) {
-        Complain(path, error.Text());
-        return false;
-    }
-    gReadState = doc;
+    gLoadedState = CurrentState(devices);
+    // After a power cycle every runtime value counts as this run's, so that
+    // the file holds what the switches started with, not what they lost.
+    if (gPowerCycled)
+        for (Json &entry : gLoadedState["devices"]) entry.erase("runtime");
     return true;
 }
 
@@ -271,9 +307,12 @@ void SaveStateFile(const std::vector<Device> &devices) {
         if (exists && !ApplyState(disk, check, &error)) {
             Complain(path, "not saved: it has been changed into one with a problem: " + error.Text());
         } else {
-            MergeChanges(&disk, gReadState, current);
+            MergeChanges(&disk, gLoadedState, current);
             disk["version"] = kStateVersion;
-            if (!Replace(path, disk.dump(2) + "\n", &why)) Complain(path, "not saved: " + why);
+            if (gPowerCycled) disk.erase("powerCycle");
+            std::string text;
+            Format(disk, 0, &text);
+            if (!Replace(path, text + "\n", &why)) Complain(path, "not saved: " + why);
         }
     }
     close(lock);  // releases the lock
