@@ -89,8 +89,33 @@ inline int Took(bool ok) {
     return ok ? 1 : -1;
 }
 
+// [{"<key>": n, ...}, ...]: a list whose entries each name, by a number up
+// to max, the item (pin, station, port...) they change; each(n, entry,
+// error) reads the rest of the entry, skipping the key.
+template <typename Each>
+bool ReadNumberedList(const Json &list, const char *key, uint64_t max, Problem *error, Each each);
+
 // The object's member, or null when it has none.
 const Json *Member(const Json &object, const char *key);
+
+template <typename Each>
+bool ReadNumberedList(const Json &list, const char *key, uint64_t max, Problem *error, Each each) {
+    if (!list.is_array()) {
+        *error = "must be a list, not " + Excerpt(list);
+        return false;
+    }
+    for (size_t i = 0; i < list.size(); ++i) {
+        const Json *number = Member(list[i], key);
+        uint64_t n = 0;
+        if (number == nullptr) {
+            *error = std::string("needs \"") + key + "\" from 0 to " + std::to_string(max);
+            return error->At(i);
+        }
+        if (!ReadNumber(*number, max, &n, error)) return error->In(key), error->At(i);
+        if (!each(n, list[i], error)) return error->At(i);
+    }
+    return true;
+}
 
 }  // namespace sim
 

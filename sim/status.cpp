@@ -139,19 +139,7 @@ bool ReadSpareState(const Json &value, StatusModel &status, Problem *error) {
 
 // [{"pin": n, "high": 0/1, "output": 0/1, "port": n, "altDSel": n}, ...]
 bool ReadPins(const Json &value, StatusModel &status, Problem *error) {
-    if (!value.is_array()) {
-        *error = "must be a list of pins";
-        return false;
-    }
-    for (size_t i = 0; i < value.size(); ++i) {
-        const Json &entry = value[i];
-        uint32_t pin = 0;
-        const Json *number = Member(entry, "pin");
-        if (number == nullptr) {
-            *error = "each pin needs \"pin\" from 0 to 63";
-            return error->At(i);
-        }
-        if (!StoreNumber(*number, kGpioPinCount - 1, &pin, error)) return error->In("pin"), error->At(i);
+    return ReadNumberedList(value, "pin", kGpioPinCount - 1, error, [&](uint64_t pin, const Json &entry, Problem *e) {
         GpioPin &p = status.pins[pin];
         uint32_t high = p.high, output = p.output, port = p.port, altDSel = p.altDSel;
         Field fields[] = {
@@ -160,13 +148,13 @@ bool ReadPins(const Json &value, StatusModel &status, Problem *error) {
             {"port", &port, kLastPort},
             {"altDSel", &altDSel, ZENTREL_GPIO_ALT_DSEL_MASK},
         };
-        if (!ReadFields(entry, fields, sizeof fields / sizeof fields[0], error, {"pin"})) return error->At(i);
+        if (!ReadFields(entry, fields, sizeof fields / sizeof fields[0], e, {"pin"})) return false;
         p.high = high != 0;
         p.output = output != 0;
         p.port = static_cast<uint8_t>(port);
         p.altDSel = static_cast<uint8_t>(altDSel);
-    }
-    return true;
+        return true;
+    });
 }
 
 // {"severity": n, "masks": [n, ...]}: one copy of the health configuration.
@@ -191,29 +179,17 @@ Json WriteHealth(const HealthSettings &settings) {
 // {"deviceMs": n, "stations": [{"station": s, "runtimeMs": n, "flashMs": n}, ...]};
 // 0 ms leaves a station without a time-out of its own.
 bool ReadStations(const Json &list, StatusModel &status, Problem *error) {
-    if (!list.is_array()) {
-        *error = "must be a list, not " + Excerpt(list);
-        return false;
-    }
-    for (size_t i = 0; i < list.size(); ++i) {
-        const Json &entry = list[i];
-        uint32_t station = 0;
-        const Json *number = Member(entry, "station");
-        if (number == nullptr) {
-            *error = "each station needs \"station\" from 0 to 8";
-            return error->At(i);
-        }
-        if (!StoreNumber(*number, kStationCount - 1, &station, error)) return error->In("station"), error->At(i);
+    return ReadNumberedList(list, "station", kStationCount - 1, error, [&](uint64_t station, const Json &entry, Problem *e) {
         StationTimeout &runtime = status.tagSbRuntime[station];
         StationTimeout &flash = status.tagSbFlash[station];
         uint32_t runtimeMs = runtime.enabled ? runtime.ms : 0;
         uint32_t flashMs = flash.enabled ? flash.ms : 0;
         Field fields[] = {{"runtimeMs", &runtimeMs, UINT16_MAX}, {"flashMs", &flashMs, UINT16_MAX}};
-        if (!ReadFields(entry, fields, 2, error, {"station"})) return error->At(i);
+        if (!ReadFields(entry, fields, 2, e, {"station"})) return false;
         runtime = {runtimeMs != 0, static_cast<uint16_t>(runtimeMs)};
         flash = {flashMs != 0, static_cast<uint16_t>(flashMs)};
-    }
-    return true;
+        return true;
+    });
 }
 
 bool ReadTagSb(const Json &value, StatusModel &status, Problem *error) {
