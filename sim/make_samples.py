@@ -47,6 +47,7 @@ def samples():
         "fw_large.bin": image(b"ZFWI", "4.21.1.0", 0, payload(6 << 20, 3)),
         "pldm_pkg.bin": image(b"PLDM", "4.22.0.1", 0, payload(8192, 4)),
         "usd_blob.bin": bytes(usd),
+        "usd_too_large.bin": bytes(0x40001),  # one byte more than the region holds
     }
 
 
