@@ -178,6 +178,19 @@ ZENTREL_STATUS Install(Call &call, const uint8_t *image, uint32_t length, const 
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
+// A download that replaces one of the switch's byte regions with 1 to max
+// bytes.
+ZENTREL_STATUS Replace(const char *function, PTR_ZENTREL_DEVICE device, const uint8_t *image, uint32_t length,
+                       size_t max, std::vector<uint8_t> ImagesModel::*region) {
+    Call call(function);
+    call.Dev(device);
+    TraceImage(call, image, length);
+    if (!call.Proceed()) return call.Result();
+    if (image == nullptr || length == 0 || length > max) return call.Return(kStatusInvalidParameter);
+    (call.Target().images.*region).assign(image, image + length);
+    return call.Return(ZENTREL_STATUS_SUCCESS);
+}
+
 }  // namespace
 
 uint32_t Crc32(const uint8_t *bytes, size_t count) {
@@ -271,14 +284,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchSBRMFGConfiguration(PTR_ZENTREL_DEVICE D
 // The data replaces the region's; an empty or over-long one is refused.
 ZENTREL_API ZENTREL_STATUS ZentrelSwitchDownloadUnitSpecificData(PTR_ZENTREL_DEVICE Device, uint8_t *Image,
                                                                  uint32_t ImageLength) {
-    Call call(__func__);
-    call.Dev(Device);
-    sim::TraceImage(call, Image, ImageLength);
-    if (!call.Proceed()) return call.Result();
-    if (Image == nullptr || ImageLength == 0 || ImageLength > ZENTREL_USD_REGION_MAX)
-        return call.Return(sim::kStatusInvalidParameter);
-    call.Target().images.usd.assign(Image, Image + ImageLength);
-    return call.Return(ZENTREL_STATUS_SUCCESS);
+    return sim::Replace(__func__, Device, Image, ImageLength, ZENTREL_USD_REGION_MAX, &sim::ImagesModel::usd);
 }
 
 // Without a buffer: the region's size. With one: the region, when *Size
@@ -304,12 +310,5 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchUploadUnitSpecificData(PTR_ZENTREL_DEVIC
 // bytes, is refused.
 ZENTREL_API ZENTREL_STATUS ZentrelSwitchDownloadMfgCfgPage(PTR_ZENTREL_DEVICE Device, uint8_t *Image,
                                                            uint32_t ImageLength) {
-    Call call(__func__);
-    call.Dev(Device);
-    sim::TraceImage(call, Image, ImageLength);
-    if (!call.Proceed()) return call.Result();
-    if (Image == nullptr || ImageLength == 0 || ImageLength > sim::kCfgPageMax)
-        return call.Return(sim::kStatusInvalidParameter);
-    call.Target().images.cfgPage.assign(Image, Image + ImageLength);
-    return call.Return(ZENTREL_STATUS_SUCCESS);
+    return sim::Replace(__func__, Device, Image, ImageLength, sim::kCfgPageMax, &sim::ImagesModel::cfgPage);
 }
