@@ -39,15 +39,16 @@ ZENTREL_ASSERT_OFFSET(ZENTREL_SWITCH_MFG_INFO, ProductRevision, 36);
 ZENTREL_ASSERT_OFFSET(ZENTREL_SWITCH_MFG_INFO, MfgRevision, 48);
 ZENTREL_ASSERT_OFFSET(ZENTREL_SWITCH_MFG_INFO, FwVersion, 52);
 
-/* Filled by ZentrelSwitchGetSBRVersion: the boot-ROM version, most
- * significant byte first. */
+/* Filled by ZentrelSwitchGetSBRVersion: the versions of the default and of
+ * the device specific boot-ROM (SBR) region, most significant byte first. */
 typedef struct ZENTREL_SWITCH_SBR_VERSION {
-    uint32_t Version;
-    uint8_t Reserved4[4];
+    uint32_t Version;       /* default SBR */
+    uint32_t DeviceVersion; /* device specific SBR */
 } ZENTREL_SWITCH_SBR_VERSION, *PTR_ZENTREL_SWITCH_SBR_VERSION;
 
 ZENTREL_ASSERT_SIZE(ZENTREL_SWITCH_SBR_VERSION, 8);
 ZENTREL_ASSERT_OFFSET(ZENTREL_SWITCH_SBR_VERSION, Version, 0);
+ZENTREL_ASSERT_OFFSET(ZENTREL_SWITCH_SBR_VERSION, DeviceVersion, 4);
 
 /* Where the switch's die was made. The texts need not be terminated. */
 typedef struct ZENTREL_SWITCH_WAFER_INFO {

@@ -38,7 +38,7 @@ struct Defaults {
     const char *vendorId, *productId, *productRevision;
     uint8_t mfgRevision[4];
     uint8_t fwVersion[4];
-    uint32_t sbrVersion;
+    uint32_t sbrVersion, deviceSbrVersion;
     char fab;
     const char *fabDescription;
     char lot;
@@ -52,9 +52,9 @@ struct Defaults {
 };
 const Defaults kDefaults[] = {
     {52, 0x05, 0xB0, 0xC010, 0x0003, 0x0090, "ZENTREL ", "Corvane-PSX-144A", "B1.0", {2, 1, 0, 7}, {4, 20, 10, 2},
-     0x01040200, 'T', "FAB12-NX", 'L', "N4K2190-07A", 0x11, 0x1A, 0x07, 0x2, 5, 100, 3, 10, 30},
+     0x01040200, 0x01040203, 'T', "FAB12-NX", 'L', "N4K2190-07A", 0x11, 0x1A, 0x07, 0x2, 5, 100, 3, 10, 30},
     {47, 0x00, 0xA0, 0xC034, 0x0001, 0x0060, "ZENTREL", "Corvane-PSX-96", "A0", {1, 0, 3, 0}, {3, 5, 2, 17},
-     0x01020009, 'G', "FAB9", 'P', "P87213", 0x03, 0x22, 0x0F, 0x2, 8, 250, 5, 20, 60},
+     0x01020009, 0x01020001, 'G', "FAB9", 'P', "P87213", 0x03, 0x22, 0x0F, 0x2, 8, 250, 5, 20, 60},
 };
 
 // The library logs to the console until a path is set; its parameters
@@ -147,6 +147,7 @@ int ApplyParameterKey(Device &device, const std::string &key, const Json &value,
     SettingsModel &s = device.settings;
     if (key == "temperature") return Took(Store(value, &s.temperature, error));
     if (key == "sbrVersion") return Took(ReadVersion(value, &s.sbrVersion, error));
+    if (key == "deviceSbrVersion") return Took(ReadVersion(value, &s.deviceSbrVersion, error));
     if (key == "switchTime") return Took(ReadSwitchTime(value, s, error));
     if (key == "timeHolder") return Took(Store(value, &s.timeHolder, error));
     if (key == "oobCommMode") return Took(Store(value, &s.oob.CommMode, error));
@@ -226,6 +227,7 @@ void SetSettingsDefaults(Device &device, size_t index) {
     memcpy(s.mfg.MfgRevision, d.mfgRevision, sizeof s.mfg.MfgRevision);
     memcpy(s.mfg.FwVersion, d.fwVersion, sizeof s.mfg.FwVersion);
     s.sbrVersion = d.sbrVersion;
+    s.deviceSbrVersion = d.deviceSbrVersion;
 
     s.wafer.FabDesignation = d.fab;
     PutText(s.wafer.FabDescription, sizeof s.wafer.FabDescription, d.fabDescription);
@@ -276,6 +278,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetSBRVersion(PTR_ZENTREL_DEVICE Device,
     if (Version == nullptr) return call.Return(sim::kStatusInvalidParameter);
     memset(Version, 0, sizeof *Version);
     Version->Version = call.Target().settings.sbrVersion;
+    Version->DeviceVersion = call.Target().settings.deviceSbrVersion;
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 

@@ -16,7 +16,8 @@ constexpr uint32_t kNoTimeHolder = 0xFF;
 struct SettingsModel {
     uint32_t temperature;  // degrees Celsius
     ZENTREL_SWITCH_MFG_INFO mfg;
-    uint32_t sbrVersion;   // most significant byte first
+    uint32_t sbrVersion;   // default SBR region, most significant byte first
+    uint32_t deviceSbrVersion;  // device specific SBR region
     ZENTREL_SWITCH_WAFER_INFO wafer;
 
     // The clock as last set, and the issuer whose hold keeps others from

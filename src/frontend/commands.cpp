@@ -5,6 +5,7 @@
 
 #include "discovery.h"
 #include "helpers.h"
+#include "images/images.h"
 #include "settings/settings.h"
 #include "status/status.h"
 
@@ -73,12 +74,18 @@ const CommandRow kCommandTable[] = {
     {"-getswlogs", NotSupported<9>, 0},
     {"-healthcheck", NotSupported<9>, 0},
     {"-ver", GetVersions, 0},
+    {"-downloadusd", DownloadUnitSpecificData, 0},
+    {"-uploadusd", UploadUnitSpecificData, 0},
     {"-SetHealthCfg", SetHealthConfig, 0},
     {"-GetHealthCfg", GetHealthConfig, 0},
     {"-swsettime", SetSwitchTime, 0},
     {"-SetTagSbTimeout", SetTagSbTimeout, 0},
     {"-GetTagSbTimeout", GetTagSbTimeout, 0},
+    {"-sbrmfgcfg", ConfigureSbrMfg, 0},
     {"-GetWaferInfo", GetWaferInfo, 0},
+    {"-downloadCfgPage", DownloadCfgPage, 0},
+    {"-dl", DownloadFirmware, 0},
+    {"-pldm", DownloadPldmFirmware, 0},
     {nullptr, nullptr, 0},
 };
 

@@ -4,6 +4,8 @@
 #include <climits>
 #include <cstdlib>
 #include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -86,8 +88,23 @@ int ReadExact(FILE *stream, void *buffer, uint32_t count) {
     return fread(buffer, 1, count, stream) < count ? 1 : 0;
 }
 
+FILE *OpenRegularFile(const char *path) {
+    if (path == nullptr) return nullptr;
+    // Non-blocking, so that opening a FIFO never waits for a writer.
+    int fd = open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (fd < 0) return nullptr;
+    struct stat st;
+    if (fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
+        close(fd);
+        return nullptr;
+    }
+    FILE *file = fdopen(fd, "rb");
+    if (file == nullptr) close(fd);
+    return file;
+}
+
 int ReadWholeFile(const char *path, uint8_t **buffer, uint32_t *length) {
-    FILE *file = fopen(path, "rb");
+    FILE *file = OpenRegularFile(path);
     if (file == nullptr) {
         printf("NULL pointer for file\n");
         return 1;

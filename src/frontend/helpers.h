@@ -15,6 +15,9 @@ int ParseUnsignedDecimal(const char *text, uint32_t *value);
 int ParseHex(const char *text, int32_t *value);
 int ParseUnsignedHex(const char *text, uint32_t *value);
 
+// Opens a path for binary reading when it names a regular file; null for a
+// null path, a missing or unreadable file, a directory, a FIFO or a device.
+FILE *OpenRegularFile(const char *path);
 int GetFileLength(FILE *stream, uint32_t *length);
 int ReadExact(FILE *stream, void *buffer, uint32_t count);
 // On success the caller owns *buffer and releases it with FreeBuffer.

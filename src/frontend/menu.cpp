@@ -2,6 +2,7 @@
 
 #include <cstdio>
 
+#include "images/images.h"
 #include "input.h"
 #include "settings/settings.h"
 #include "status/status.h"
@@ -98,6 +99,12 @@ void RunOption(uint32_t choice, PTR_ZENTREL_DEVICE_INFO info) {
     case 18:
         GetCcrStatus(device, noWords, info);
         break;
+    case 41:
+        DownloadFirmware(device, noWords, info);
+        break;
+    case 48:
+        GetSbrVersion(device);
+        break;
     case 58:
         SetAsyncCommandTimeout(device);
         break;
@@ -110,6 +117,26 @@ void RunOption(uint32_t choice, PTR_ZENTREL_DEVICE_INFO info) {
     case 64:
         GetSysErrStatus(device);
         break;
+    // The labels of 67 to 78 name other functions; all of them, and 80,
+    // download the unit specific data.
+    case 67:
+    case 68:
+    case 69:
+    case 70:
+    case 71:
+    case 72:
+    case 73:
+    case 74:
+    case 75:
+    case 76:
+    case 77:
+    case 78:
+    case 80:
+        DownloadUnitSpecificData(device, nullptr, info);
+        break;
+    case 81:
+        UploadUnitSpecificData(device, nullptr, info);
+        break;
     case 82:
         SetHealthConfig(device, nullptr, info);
         break;
@@ -118,6 +145,9 @@ void RunOption(uint32_t choice, PTR_ZENTREL_DEVICE_INFO info) {
         break;
     case 84:
         SetSwitchTime(device, nullptr, info);
+        break;
+    case 87:
+        DownloadPldmFirmware(device, noWords, info);
         break;
     case 88:
         SetLibParameters(device);
@@ -137,11 +167,17 @@ void RunOption(uint32_t choice, PTR_ZENTREL_DEVICE_INFO info) {
     case 101:
         GetOobParameters(device);
         break;
+    case 110:
+        ConfigureSbrMfg(device, nullptr, info);
+        break;
     case 118:
         GpioControl(device, nullptr, info);
         break;
     case 121:
         GetWaferInfo(device, nullptr, info);
+        break;
+    case 128:
+        DownloadCfgPage(device, nullptr, info);
         break;
     case 4:
     case 43:

@@ -9,6 +9,13 @@ header lines follow, then sections that begin with "--- <section>":
     status: 0                   expected exit status (default 0)
     signal: QUIT when "text"    send SIGINT/SIGQUIT once stdout ends with text
     timeout: 20                 seconds (default 10, times the launcher factor)
+    input: fw.bin=fw_valid.bin  copy sample images (--samples) into the working
+                                directory first, under the names given
+    same: usd_ul.bin usd_dl.bin two files the run leaves, equal byte for byte
+    then: -i 0 -ver             run again in the same directory, with a state
+                                file shared by both runs (ZENTREL_SIM_STATE);
+                                its stdout follows the first run's, and
+                                "status" is its exit status
     stdin: closed               standard input closed, or "directory" (reads fail);
                                 without it, the stdin section through a pipe
     state: NAME                 ZENTREL_SIM_STATE names NAME in a directory that
@@ -17,11 +24,14 @@ header lines follow, then sections that begin with "--- <section>":
     --- stdin                   standard input, byte for byte (same escapes)
     --- state                   written to the state file before the run
     --- state after             expected content of the state file after the run
+    --- then stdin              standard input of the "then" run
     --- scenario                JSON handed to the simulator
     --- stdout                  expected standard output, exactly
     --- stderr                  expected standard error (default: empty)
     --- calls                   expected library trace, every line
     --- file NAME               expected content of a file the run writes
+    --- input NAME              a file put in the working directory first
+                                (NAME may name a directory: dir/file)
 
 Expected texts are written line by line; each line stands for its text and a
 newline. Escapes: \\t tab, \\r carriage return, \\n newline, \\_ a blank (required for
@@ -30,13 +40,14 @@ leading @ or -, \\e for nothing (a last line "\\e" is an empty line, as empty
 lines at the end of a section are dropped), and \\c at the end of a line
 for "no newline here". A line
 "@name" inserts fragments/name.txt. Every file that a run leaves in its
-working directory must be listed with a "file" section. In stderr, the
+working directory must be listed with a "file" section, an input or "same". In stderr, the
 scenario file's path reads SCENARIO, and the shared state directory STATEDIR.
 """
 import argparse
 import os
 import re
 import shlex
+import shutil
 import signal
 import subprocess
 import sys
@@ -140,7 +151,7 @@ def parse_cases(path):
             # Blank lines before the next case or section belong to nothing.
             while body and body[-1] == "":
                 body.pop()
-        known = {"args", "status", "signal", "timeout", "stdin", "state"}
+        known = {"args", "status", "signal", "timeout", "input", "same", "then", "stdin", "state"}
         extra = set(case["headers"]) - known
         if extra:
             raise CaseError(f"{path}: case '{case['name']}': unknown header {sorted(extra)}")
@@ -186,14 +197,39 @@ def run_case(case, args, where, state_dir):
         env["ZENTREL_SIM_SCENARIO"] = scenario
     if args.library_path:
         env["LD_LIBRARY_PATH"] = args.library_path
+    inputs = set()
+    for pair in h.get("input", "").split():
+        name, sep, sample = pair.partition("=")
+        if not sep:
+            raise CaseError(f"{where}: input: NAME=SAMPLE")
+        shutil.copyfile(os.path.join(args.samples, sample), os.path.join(cwd, name))
+        inputs.add(name)
+    for section, body in s.items():
+        if section.startswith("input "):
+            name = section[6:].strip()
+            path = os.path.join(cwd, name)
+            os.makedirs(os.path.dirname(path), exist_ok=True)
+            with open(path, "w", encoding="utf-8") as f:
+                f.write(expand(body, f"{where} input {name}"))
+            inputs.add(name.split("/")[0])
+    if "then" in h and state is None:
+        env["ZENTREL_SIM_STATE"] = os.path.join(work, "state.json")
     stdin = expand(s["stdin"], where + " stdin").encode() if "stdin" in s else b""
-    argv = shlex.split(args.launcher) + [args.binary] + shlex.split(h.get("args", ""))
+    out = bytearray()
+    err = bytearray()
+    status = run_once(h, args, h.get("args", ""), cwd, env, stdin, out, err, where)
+    if "then" in h:
+        then_stdin = expand(s["then stdin"], where + " then stdin").encode() if "then stdin" in s else b""
+        status = run_once({}, args, h["then"], cwd, env, then_stdin, out, err, where)
+    return check(case, cwd, trace, env, status, out, err, inputs, args, state_dir, state)
+
+
+def run_once(h, args, words, cwd, env, stdin, out, err, where):
+    argv = shlex.split(args.launcher) + [args.binary] + shlex.split(words)
     timeout = float(h.get("timeout", "10")) * args.slow
     stdin_kind = h.get("stdin", "pipe")
     if stdin_kind not in ("pipe", "closed", "directory"):
         raise CaseError(f"{where}: stdin: closed or directory")
-    if stdin_kind != "pipe" and "stdin" in s:
-        raise CaseError(f"{where}: a stdin section needs standard input through a pipe")
     child_stdin = subprocess.PIPE
     preexec = None
     directory_fd = None
@@ -201,7 +237,7 @@ def run_case(case, args, where, state_dir):
         child_stdin = None
         preexec = lambda: os.close(0)
     elif stdin_kind == "directory":
-        directory_fd = os.open(work, os.O_RDONLY)
+        directory_fd = os.open(cwd, os.O_RDONLY)
         child_stdin = directory_fd
     try:
         proc = subprocess.Popen(argv, cwd=cwd, env=env, stdin=child_stdin, preexec_fn=preexec,
@@ -211,8 +247,6 @@ def run_case(case, args, where, state_dir):
     finally:
         if directory_fd is not None:
             os.close(directory_fd)
-    out = bytearray()
-    err = bytearray()
 
     def pump(stream, sink):
         while True:
@@ -262,7 +296,13 @@ def run_case(case, args, where, state_dir):
         raise CaseError(f"{where}: timed out after {timeout:g}s; output so far:\n{bytes(out).decode(errors='replace')}")
     for r in readers:
         r.join(5)
+    return proc.returncode
 
+
+def check(case, cwd, trace, env, returncode, out, err, inputs, args, state_dir, state):
+    h = case["headers"]
+    s = case["sections"]
+    where = case["name"]
     failures = []
     actual_out = bytes(out).decode("utf-8", errors="replace")
     actual_err = bytes(err).decode("utf-8", errors="replace")
@@ -270,8 +310,8 @@ def run_case(case, args, where, state_dir):
         actual_err = actual_err.replace(env["ZENTREL_SIM_SCENARIO"], "SCENARIO")
     actual_err = actual_err.replace(state_dir, "STATEDIR")
     status = int(h.get("status", "0"))
-    if proc.returncode != status:
-        failures.append(f"exit status {proc.returncode}, expected {status}")
+    if returncode != status:
+        failures.append(f"exit status {returncode}, expected {status}")
     if "stdout" in s:
         expected = expand(s["stdout"], where + " stdout")
         if actual_out != expected:
@@ -288,15 +328,6 @@ def run_case(case, args, where, state_dir):
             actual = ""
         if actual != expected:
             failures.append("calls: " + describe(expected, actual))
-    if "state after" in s:
-        expected = expand(s["state after"], where + " state after")
-        try:
-            with open(state, encoding="utf-8") as f:
-                actual = f.read()
-        except OSError:
-            actual = "<no state file>\n"
-        if actual != expected:
-            failures.append("state after: " + describe(expected, actual))
     files = {name[5:].strip(): body for name, body in s.items() if name.startswith("file ")}
     for name, body in files.items():
         path = os.path.join(cwd, name)
@@ -308,8 +339,29 @@ def run_case(case, args, where, state_dir):
         expected = expand(body, f"{where} file {name}")
         if actual != expected:
             failures.append(f"file {name}: " + describe(expected, actual))
+    if "state after" in s:
+        expected = expand(s["state after"], where + " state after")
+        try:
+            with open(state, encoding="utf-8") as f:
+                actual = f.read()
+        except OSError:
+            actual = "<no state file>\n"
+        if actual != expected:
+            failures.append("state after: " + describe(expected, actual))
+    same = h.get("same", "").split()
+    if same:
+        contents = []
+        for name in same:
+            try:
+                with open(os.path.join(cwd, name), "rb") as f:
+                    contents.append(f.read())
+            except OSError:
+                contents.append(None)
+                failures.append(f"file {name} was not written")
+        if None not in contents and any(c != contents[0] for c in contents):
+            failures.append("files differ: " + " ".join(same))
     for name in sorted(os.listdir(cwd)):
-        if name not in files:
+        if name not in files and name not in inputs and name not in same:
             failures.append(f"unexpected file {name} in the working directory")
     if failures and args.verbose:
         failures.append("whole stdout:\n" + actual_out)
@@ -322,6 +374,7 @@ def main():
     p.add_argument("--launcher", default="", help="command to run the binary with, e.g. an emulator")
     p.add_argument("--library-path", default="", help="LD_LIBRARY_PATH for the run")
     p.add_argument("--slow", type=float, default=1.0, help="factor for every timeout")
+    p.add_argument("--samples", default="", help="directory of the simulator's sample images")
     p.add_argument("--verbose", action="store_true")
     p.add_argument("cases", nargs="+")
     args = p.parse_args()
