@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "reader.h"
+#include "security_model.h"
 #include "settings_model.h"
 #include "status_model.h"
 #include "zentrel.h"
@@ -31,6 +32,7 @@ struct Device {
     uint8_t pcieBus, pcieDevice, pcieFunction;
     SettingsModel settings;
     StatusModel status;
+    SecurityModel security;
 };
 
 struct Injection {
@@ -78,7 +80,7 @@ struct ModelPart {
     void (*saveLibrary)(Json *library);
 };
 
-extern const ModelPart kFrontendPart, kSettingsPart, kStatusPart;
+extern const ModelPart kFrontendPart, kSettingsPart, kStatusPart, kSecurityPart;
 // Every part, in the order their defaults and keys apply; ends with null.
 extern const ModelPart *const kModelParts[];
 
@@ -131,6 +133,25 @@ private:
     Device *target_ = nullptr;
     std::unique_lock<std::mutex> lock_;
     ZENTREL_STATUS status_ = 0;
+};
+
+// Files the library reads or writes for its caller, by the name it was given.
+// ReadFileBytes: false when the file is not a readable regular file or is
+// larger than max bytes.
+bool ReadFileBytes(const char *path, size_t max, std::vector<uint8_t> *bytes);
+bool WriteFileBytes(const char *path, const std::vector<uint8_t> &bytes);
+bool IsRegularFile(const char *path);
+
+// A repeatable stream of believable bytes (keys, digests, signatures) for
+// one switch and purpose.
+class Filler {
+public:
+    explicit Filler(uint32_t seed) : state_(seed * 2654435761u + 0x9E3779B9u) {}
+    uint32_t Word();
+    void Bytes(uint8_t *out, size_t count);
+
+private:
+    uint32_t state_;
 };
 
 // A call that only copies one value of the addressed switch, as read(device)

@@ -5,6 +5,7 @@
 
 #include "discovery.h"
 #include "helpers.h"
+#include "security/security.h"
 #include "settings/settings.h"
 #include "status/status.h"
 
@@ -78,6 +79,7 @@ const CommandRow kCommandTable[] = {
     {"-swsettime", SetSwitchTime, 0},
     {"-SetTagSbTimeout", SetTagSbTimeout, 0},
     {"-GetTagSbTimeout", GetTagSbTimeout, 0},
+    {"-GetSecBootInfo", GetSecureBootInfo, 0},
     {"-GetWaferInfo", GetWaferInfo, 0},
     {nullptr, nullptr, 0},
 };

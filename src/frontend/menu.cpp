@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "input.h"
+#include "security/security.h"
 #include "settings/settings.h"
 #include "status/status.h"
 
@@ -130,6 +131,9 @@ void RunOption(uint32_t choice, PTR_ZENTREL_DEVICE_INFO info) {
         break;
     case 97:
         SetTagSbTimeout(device, nullptr, info);
+        break;
+    case 98:
+        GetSecureBootInfo(device, nullptr, info);
         break;
     case 100:
         SetOobParameters(device);

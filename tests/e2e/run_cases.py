@@ -15,15 +15,17 @@ header lines follow, then sections that begin with "--- <section>":
     --- stderr                  expected standard error (default: empty)
     --- calls                   expected library trace, every line
     --- file NAME               expected content of a file the run writes
+    --- input NAME              a file put in the working directory first
 
 Expected texts are written line by line; each line stands for its text and a
 newline. Escapes: \\t tab, \\r carriage return, \\n newline, \\_ a blank (required for
 trailing blanks, which editors strip), \\\\ backslash, \\@ and \\- for a
 leading @ or -, \\e for nothing (a last line "\\e" is an empty line, as empty
-lines at the end of a section are dropped), and \\c at the end of a line
-for "no newline here". A line
+lines at the end of a section are dropped), \\xHH for the byte HH (binary
+files), and \\c at the end of a line for "no newline here". A line
 "@name" inserts fragments/name.txt. Every file that a run leaves in its
-working directory must be listed with a "file" section. In stderr, the
+working directory must be listed with a "file" section, except an input
+file that the run leaves as it was. In stderr, the
 scenario file's path reads SCENARIO.
 """
 import argparse
@@ -66,6 +68,15 @@ def unescape_line(line, where):
             newline = False
         elif e == "e":
             pass
+        elif e == "x":
+            digits = line[i + 2:i + 4]
+            if not re.fullmatch(r"[0-9a-fA-F]{2}", digits):
+                raise CaseError(f"{where}: \\x needs two hex digits")
+            # Bytes above 0x7f stand for themselves, as undecodable bytes do.
+            value = int(digits, 16)
+            out.append(chr(value) if value < 0x80 else chr(0xDC00 + value))
+            i += 4
+            continue
         elif e in "t_rn\\@-":
             out.append({"t": "\t", "_": " ", "r": "\r", "n": "\n", "\\": "\\", "@": "@", "-": "-"}[e])
         else:
@@ -169,7 +180,13 @@ def run_case(case, args, where):
         env["ZENTREL_SIM_SCENARIO"] = scenario
     if args.library_path:
         env["LD_LIBRARY_PATH"] = args.library_path
-    stdin = expand(s["stdin"], where + " stdin").encode() if "stdin" in s else b""
+    inputs = {name[6:].strip(): body for name, body in s.items() if name.startswith("input ")}
+    written = {}
+    for name, body in inputs.items():
+        written[name] = expand(body, f"{where} input {name}").encode("utf-8", errors="surrogateescape")
+        with open(os.path.join(cwd, name), "wb") as f:
+            f.write(written[name])
+    stdin = expand(s["stdin"], where + " stdin").encode("utf-8", errors="surrogateescape") if "stdin" in s else b""
     argv = shlex.split(args.launcher) + [args.binary] + shlex.split(h.get("args", ""))
     timeout = float(h.get("timeout", "10")) * args.slow
     try:
@@ -258,11 +275,16 @@ def run_case(case, args, where):
             failures.append(f"file {name} was not written")
             continue
         with open(path, "rb") as f:
-            actual = f.read().decode("utf-8", errors="replace")
+            data = f.read()
         expected = expand(body, f"{where} file {name}")
-        if actual != expected:
+        if data != expected.encode("utf-8", errors="surrogateescape"):
+            actual = data.decode("utf-8", errors="surrogateescape")
             failures.append(f"file {name}: " + describe(expected, actual))
     for name in sorted(os.listdir(cwd)):
+        if name in inputs and name not in files:
+            with open(os.path.join(cwd, name), "rb") as f:
+                if f.read() == written[name]:
+                    continue
         if name not in files:
             failures.append(f"unexpected file {name} in the working directory")
     if failures and args.verbose:
