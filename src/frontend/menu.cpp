@@ -99,6 +99,24 @@ void RunOption(uint32_t choice, PTR_ZENTREL_DEVICE_INFO info) {
     case 18:
         GetCcrStatus(device, noWords, info);
         break;
+    case 50:
+        GetSpdmInfo(device, nullptr, info);
+        break;
+    case 51:
+        GetSpdmSlotInfo(device, nullptr, info);
+        break;
+    case 52:
+        SpdmExportCsr(device, nullptr, info);
+        break;
+    case 53:
+        SpdmImportCertificate(device, nullptr, info);
+        break;
+    case 54:
+        SpdmReadCertificate(device, nullptr, info);
+        break;
+    case 55:
+        SpdmInvalidateSlot(device, nullptr, info);
+        break;
     case 58:
         SetAsyncCommandTimeout(device);
         break;
@@ -134,6 +152,9 @@ void RunOption(uint32_t choice, PTR_ZENTREL_DEVICE_INFO info) {
         break;
     case 98:
         GetSecureBootInfo(device, nullptr, info);
+        break;
+    case 99:
+        GetSpdmSecureInfo(device, nullptr, info);
         break;
     case 100:
         SetOobParameters(device);
