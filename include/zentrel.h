@@ -7,5 +7,6 @@
 #include "zentrel_settings.h"
 #include "zentrel_status.h"
 #include "zentrel_images.h"
+#include "zentrel_security.h"
 
 #endif

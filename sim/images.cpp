@@ -81,45 +81,6 @@ void SetImagesDefaults(Device &device, size_t index) {
     m.cfgPage.clear();
 }
 
-std::string ToHex(const std::vector<uint8_t> &bytes) {
-    static const char kDigits[] = "0123456789abcdef";
-    std::string hex;
-    hex.reserve(bytes.size() * 2);
-    for (uint8_t b : bytes) {
-        hex += kDigits[b >> 4];
-        hex += kDigits[b & 0xF];
-    }
-    return hex;
-}
-
-int HexDigit(char c) {
-    if (c >= '0' && c <= '9') return c - '0';
-    if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-    if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-    return -1;
-}
-
-// A text of hex digits, two a byte, of at most max bytes.
-bool ReadHexBytes(const Json &value, size_t max, std::vector<uint8_t> *out, Problem *error) {
-    if (!value.is_string() || value.get_ref<const std::string &>().size() % 2 != 0 ||
-        value.get_ref<const std::string &>().size() / 2 > max) {
-        *error = "must be a text of hex digits, two a byte, at most " + std::to_string(max) + " bytes";
-        return false;
-    }
-    const std::string &text = value.get_ref<const std::string &>();
-    std::vector<uint8_t> bytes(text.size() / 2);
-    for (size_t i = 0; i < bytes.size(); ++i) {
-        int high = HexDigit(text[2 * i]), low = HexDigit(text[2 * i + 1]);
-        if (high < 0 || low < 0) {
-            *error = "holds a character that is not a hex digit at " + std::to_string(2 * i);
-            return false;
-        }
-        bytes[i] = static_cast<uint8_t>(high << 4 | low);
-    }
-    *out = std::move(bytes);
-    return true;
-}
-
 // {"supported": 1-6, "selected": n, "method": 0/1}
 bool ReadSbrMfg(const Json &value, ImagesModel &m, Problem *error) {
     Field fields[] = {{"supported", &m.sbrSupported, ZENTREL_SBR_MFG_CFG_LAST + 1},
@@ -156,8 +117,8 @@ void SaveImages(const Device &device, Json *flash, Json *) {
     (*flash)["fwVersion"] = VersionText(device.info.FwVersion);
     (*flash)["mfgFwVersion"] = VersionText(static_cast<uint32_t>(mfg[0]) << 24 | mfg[1] << 16 | mfg[2] << 8 | mfg[3]);
     (*flash)["sbrMfgConfig"] = {{"supported", m.sbrSupported}, {"selected", m.sbrSelected}, {"method", m.sbrMethod}};
-    (*flash)["usdData"] = ToHex(m.usd);
-    (*flash)["mfgCfgPage"] = ToHex(m.cfgPage);
+    (*flash)["usdData"] = WriteHexBytes(m.usd);
+    (*flash)["mfgCfgPage"] = WriteHexBytes(m.cfgPage);
 }
 
 // The image's header bytes, its length and the CRC-32 of all of it.

@@ -85,6 +85,13 @@ bool IsPlainText(const char *text, size_t size) {
     return true;
 }
 
+int HexDigit(char c) {
+    if (c >= '0' && c <= '9') return c - '0';
+    if (c >= 'a' && c <= 'f') return c - 'a' + 10;
+    if (c >= 'A' && c <= 'F') return c - 'A' + 10;
+    return -1;
+}
+
 }  // namespace
 
 bool Problem::In(const std::string &key) {
@@ -307,6 +314,41 @@ const Json *Member(const Json &object, const char *key) {
     if (!object.is_object()) return nullptr;
     auto it = object.find(key);
     return it == object.end() ? nullptr : &*it;
+}
+
+bool ReadHexBytes(const Json &value, size_t max, std::vector<uint8_t> *bytes, Problem *error) {
+    if (!value.is_string() || value.get_ref<const std::string &>().size() % 2 != 0) {
+        *error = "must be a text of hex digit pairs, not " + Excerpt(value);
+        return false;
+    }
+    const std::string &text = value.get_ref<const std::string &>();
+    if (text.size() / 2 > max) {
+        *error = "must be at most " + std::to_string(max) + " bytes";
+        return false;
+    }
+    std::vector<uint8_t> out;
+    out.reserve(text.size() / 2);
+    for (size_t i = 0; i < text.size(); i += 2) {
+        int high = HexDigit(text[i]), low = HexDigit(text[i + 1]);
+        if (high < 0 || low < 0) {
+            *error = "must be a text of hex digit pairs, not " + Excerpt(value);
+            return false;
+        }
+        out.push_back(static_cast<uint8_t>(high << 4 | low));
+    }
+    *bytes = std::move(out);
+    return true;
+}
+
+Json WriteHexBytes(const std::vector<uint8_t> &bytes) {
+    static const char kDigits[] = "0123456789abcdef";
+    std::string text;
+    text.reserve(bytes.size() * 2);
+    for (uint8_t b : bytes) {
+        text += kDigits[b >> 4];
+        text += kDigits[b & 0xF];
+    }
+    return text;
 }
 
 }  // namespace sim

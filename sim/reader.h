@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <initializer_list>
 #include <string>
+#include <vector>
 
 #include <nlohmann/json.hpp>
 
@@ -82,6 +83,10 @@ bool ReadFields(const Json &value, Field *fields, size_t count, Problem *error,
 // values for texts that are not plain printable ASCII (as WriteText saves them).
 bool ReadText(const Json &value, char *field, size_t width, Problem *error);
 Json WriteText(const char *field, size_t width);
+
+// Bytes as a text of hex digit pairs ("3082..."), at most max bytes.
+bool ReadHexBytes(const Json &value, size_t max, std::vector<uint8_t> *bytes, Problem *error);
+Json WriteHexBytes(const std::vector<uint8_t> &bytes);
 
 // The answer of a part's applyKey for a key it owns: 1 when the value was
 // taken, -1 when it was bad.

@@ -9,6 +9,7 @@
 
 #include "images_model.h"
 #include "reader.h"
+#include "security_model.h"
 #include "settings_model.h"
 #include "status_model.h"
 #include "zentrel.h"
@@ -33,6 +34,7 @@ struct Device {
     SettingsModel settings;
     StatusModel status;
     ImagesModel images;
+    SecurityModel security;
 };
 
 struct Injection {
@@ -80,7 +82,7 @@ struct ModelPart {
     void (*saveLibrary)(Json *library);
 };
 
-extern const ModelPart kFrontendPart, kSettingsPart, kStatusPart, kImagesPart;
+extern const ModelPart kFrontendPart, kSettingsPart, kStatusPart, kImagesPart, kSecurityPart;
 // Every part, in the order their defaults and keys apply; ends with null.
 extern const ModelPart *const kModelParts[];
 
@@ -133,6 +135,25 @@ private:
     Device *target_ = nullptr;
     std::unique_lock<std::mutex> lock_;
     ZENTREL_STATUS status_ = 0;
+};
+
+// Files the library reads or writes for its caller, by the name it was given.
+// ReadFileBytes: false when the file is not a readable regular file or is
+// larger than max bytes.
+bool ReadFileBytes(const char *path, size_t max, std::vector<uint8_t> *bytes);
+bool WriteFileBytes(const char *path, const std::vector<uint8_t> &bytes);
+bool IsRegularFile(const char *path);
+
+// A repeatable stream of believable bytes (keys, digests, signatures) for
+// one switch and purpose.
+class Filler {
+public:
+    explicit Filler(uint32_t seed) : state_(seed * 2654435761u + 0x9E3779B9u) {}
+    uint32_t Word();
+    void Bytes(uint8_t *out, size_t count);
+
+private:
+    uint32_t state_;
 };
 
 // A call that only copies one value of the addressed switch, as read(device)

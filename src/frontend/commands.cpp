@@ -6,6 +6,7 @@
 #include "discovery.h"
 #include "helpers.h"
 #include "images/images.h"
+#include "security/security.h"
 #include "settings/settings.h"
 #include "status/status.h"
 
@@ -74,6 +75,12 @@ const CommandRow kCommandTable[] = {
     {"-getswlogs", NotSupported<9>, 0},
     {"-healthcheck", NotSupported<9>, 0},
     {"-ver", GetVersions, 0},
+    {"-spdminfo", GetSpdmInfo, 0},
+    {"-spdmslotinfo", GetSpdmSlotInfo, 0},
+    {"-spdmexport", SpdmExportCsr, 0},
+    {"-spdmimport", SpdmImportCertificate, 0},
+    {"-spdmread", SpdmReadCertificate, 0},
+    {"-spdmsltmgmt", SpdmInvalidateSlot, 0},
     {"-downloadusd", DownloadUnitSpecificData, 0},
     {"-uploadusd", UploadUnitSpecificData, 0},
     {"-SetHealthCfg", SetHealthConfig, 0},
@@ -81,6 +88,8 @@ const CommandRow kCommandTable[] = {
     {"-swsettime", SetSwitchTime, 0},
     {"-SetTagSbTimeout", SetTagSbTimeout, 0},
     {"-GetTagSbTimeout", GetTagSbTimeout, 0},
+    {"-GetSecBootInfo", GetSecureBootInfo, 0},
+    {"-GetSpdmSecInfo", GetSpdmSecureInfo, 0},
     {"-sbrmfgcfg", ConfigureSbrMfg, 0},
     {"-GetWaferInfo", GetWaferInfo, 0},
     {"-downloadCfgPage", DownloadCfgPage, 0},

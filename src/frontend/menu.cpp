@@ -4,6 +4,7 @@
 
 #include "images/images.h"
 #include "input.h"
+#include "security/security.h"
 #include "settings/settings.h"
 #include "status/status.h"
 
@@ -105,6 +106,24 @@ void RunOption(uint32_t choice, PTR_ZENTREL_DEVICE_INFO info) {
     case 48:
         GetSbrVersion(device);
         break;
+    case 50:
+        GetSpdmInfo(device, nullptr, info);
+        break;
+    case 51:
+        GetSpdmSlotInfo(device, nullptr, info);
+        break;
+    case 52:
+        SpdmExportCsr(device, nullptr, info);
+        break;
+    case 53:
+        SpdmImportCertificate(device, nullptr, info);
+        break;
+    case 54:
+        SpdmReadCertificate(device, nullptr, info);
+        break;
+    case 55:
+        SpdmInvalidateSlot(device, nullptr, info);
+        break;
     case 58:
         SetAsyncCommandTimeout(device);
         break;
@@ -160,6 +179,12 @@ void RunOption(uint32_t choice, PTR_ZENTREL_DEVICE_INFO info) {
         break;
     case 97:
         SetTagSbTimeout(device, nullptr, info);
+        break;
+    case 98:
+        GetSecureBootInfo(device, nullptr, info);
+        break;
+    case 99:
+        GetSpdmSecureInfo(device, nullptr, info);
         break;
     case 100:
         SetOobParameters(device);

@@ -37,10 +37,11 @@ Expected texts are written line by line; each line stands for its text and a
 newline. Escapes: \\t tab, \\r carriage return, \\n newline, \\_ a blank (required for
 trailing blanks, which editors strip), \\\\ backslash, \\@ and \\- for a
 leading @ or -, \\e for nothing (a last line "\\e" is an empty line, as empty
-lines at the end of a section are dropped), and \\c at the end of a line
-for "no newline here". A line
+lines at the end of a section are dropped), \\xHH for the byte HH (binary
+files), and \\c at the end of a line for "no newline here". A line
 "@name" inserts fragments/name.txt. Every file that a run leaves in its
-working directory must be listed with a "file" section, an input or "same". In stderr, the
+working directory must be listed with a "file" section, an input (which the
+run must leave as it was, unless it has a "file" section) or "same". In stderr, the
 scenario file's path reads SCENARIO, and the shared state directory STATEDIR.
 """
 import argparse
@@ -84,6 +85,15 @@ def unescape_line(line, where):
             newline = False
         elif e == "e":
             pass
+        elif e == "x":
+            digits = line[i + 2:i + 4]
+            if not re.fullmatch(r"[0-9a-fA-F]{2}", digits):
+                raise CaseError(f"{where}: \\x needs two hex digits")
+            # Bytes above 0x7f stand for themselves, as undecodable bytes do.
+            value = int(digits, 16)
+            out.append(chr(value) if value < 0x80 else chr(0xDC00 + value))
+            i += 4
+            continue
         elif e in "t_rn\\@-":
             out.append({"t": "\t", "_": " ", "r": "\r", "n": "\n", "\\": "\\", "@": "@", "-": "-"}[e])
         else:
@@ -204,24 +214,26 @@ def run_case(case, args, where, state_dir):
             raise CaseError(f"{where}: input: NAME=SAMPLE")
         shutil.copyfile(os.path.join(args.samples, sample), os.path.join(cwd, name))
         inputs.add(name)
+    written = {}
     for section, body in s.items():
         if section.startswith("input "):
             name = section[6:].strip()
             path = os.path.join(cwd, name)
             os.makedirs(os.path.dirname(path), exist_ok=True)
-            with open(path, "w", encoding="utf-8") as f:
-                f.write(expand(body, f"{where} input {name}"))
+            written[name] = expand(body, f"{where} input {name}").encode("utf-8", errors="surrogateescape")
+            with open(path, "wb") as f:
+                f.write(written[name])
             inputs.add(name.split("/")[0])
     if "then" in h and state is None:
         env["ZENTREL_SIM_STATE"] = os.path.join(work, "state.json")
-    stdin = expand(s["stdin"], where + " stdin").encode() if "stdin" in s else b""
+    stdin = expand(s["stdin"], where + " stdin").encode("utf-8", errors="surrogateescape") if "stdin" in s else b""
     out = bytearray()
     err = bytearray()
     status = run_once(h, args, h.get("args", ""), cwd, env, stdin, out, err, where)
     if "then" in h:
         then_stdin = expand(s["then stdin"], where + " then stdin").encode() if "then stdin" in s else b""
         status = run_once({}, args, h["then"], cwd, env, then_stdin, out, err, where)
-    return check(case, cwd, trace, env, status, out, err, inputs, args, state_dir, state)
+    return check(case, cwd, trace, env, status, out, err, inputs, written, args, state_dir, state)
 
 
 def run_once(h, args, words, cwd, env, stdin, out, err, where):
@@ -299,7 +311,7 @@ def run_once(h, args, words, cwd, env, stdin, out, err, where):
     return proc.returncode
 
 
-def check(case, cwd, trace, env, returncode, out, err, inputs, args, state_dir, state):
+def check(case, cwd, trace, env, returncode, out, err, inputs, written, args, state_dir, state):
     h = case["headers"]
     s = case["sections"]
     where = case["name"]
@@ -335,9 +347,10 @@ def check(case, cwd, trace, env, returncode, out, err, inputs, args, state_dir, 
             failures.append(f"file {name} was not written")
             continue
         with open(path, "rb") as f:
-            actual = f.read().decode("utf-8", errors="replace")
+            data = f.read()
         expected = expand(body, f"{where} file {name}")
-        if actual != expected:
+        if data != expected.encode("utf-8", errors="surrogateescape"):
+            actual = data.decode("utf-8", errors="surrogateescape")
             failures.append(f"file {name}: " + describe(expected, actual))
     if "state after" in s:
         expected = expand(s["state after"], where + " state after")
@@ -361,6 +374,11 @@ def check(case, cwd, trace, env, returncode, out, err, inputs, args, state_dir, 
         if None not in contents and any(c != contents[0] for c in contents):
             failures.append("files differ: " + " ".join(same))
     for name in sorted(os.listdir(cwd)):
+        if name in written and name not in files:
+            with open(os.path.join(cwd, name), "rb") as f:
+                if f.read() != written[name]:
+                    failures.append(f"input file {name} was changed")
+            continue
         if name not in files and name not in inputs and name not in same:
             failures.append(f"unexpected file {name} in the working directory")
     if failures and args.verbose:
