@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "input.h"
+#include "ports/ports.h"
 #include "settings/settings.h"
 #include "status/status.h"
 
@@ -92,11 +93,27 @@ void RunOption(uint32_t choice, PTR_ZENTREL_DEVICE_INFO info) {
     case 2:
         GetTemperature(device, noWords, info);
         break;
+    case 9:
+    case 39:
+        GetPortErrors(device, noWords, info);
+        break;
+    case 10:
+        GetPortProperties(device, nullptr, info);
+        break;
     case 17:
         GetPowerOnSense(device, noWords, info);
         break;
     case 18:
         GetCcrStatus(device, noWords, info);
+        break;
+    case 33:
+        GetPacketRamErrors(device, noWords, info);
+        break;
+    case 38:
+        ResetPacketRamErrors(device, noWords, info);
+        break;
+    case 40:
+        ResetPortErrors(device, noWords, info);
         break;
     case 58:
         SetAsyncCommandTimeout(device);
