@@ -1,5 +1,6 @@
 // Port error statistics with the decode of each port's error registers,
 // the packet RAM soft-error counters, and their resets.
+#include <array>
 #include <cstdio>
 #include <cstring>
 
@@ -24,6 +25,11 @@ struct FlagGroup {
 template <size_t N>
 constexpr FlagGroup Group(const char *title, const FlagBit (&bits)[N]) {
     return {title, bits, N};
+}
+
+template <size_t N>
+constexpr FlagGroup Group(const char *title, const std::array<FlagBit, N> &bits) {
+    return {title, bits.data(), N};
 }
 
 bool IsSet(uint32_t value, uint8_t bit) {
@@ -84,7 +90,7 @@ const FlagBit kCapControlBits[] = {
 // The serdes status shows as one flag: set when the value is non-zero.
 const FlagBit kSerdesBits[] = {{0, "Serdes Error Status"}};
 
-const FlagBit kSeverityBits[] = {
+constexpr FlagBit kSeverityBits[] = {
     {4, "Data Link Protocol"},   {5, "Surprise Down"},
     {12, "Poisoned TLP Received"}, {13, "Flow Control Protocol"},
     {14, "Completion Timeout"},  {15, "Completer Abort Severity"},
@@ -97,17 +103,14 @@ const FlagBit kSeverityBits[] = {
 };
 
 // The severity labels, except that bit 15 names the mask.
-const FlagBit kUncorrectableMaskBits[] = {
-    {4, "Data Link Protocol"},   {5, "Surprise Down"},
-    {12, "Poisoned TLP Received"}, {13, "Flow Control Protocol"},
-    {14, "Completion Timeout"},  {15, "Completer Abort Mask"},
-    {16, "Unexpected Completion"}, {17, "Receiver Overflow"},
-    {18, "Malformed TLP"},       {19, "ECRC Error"},
-    {20, "Unsupported Request"}, {21, "ACS Violation"},
-    {22, "Uncorrectable Internal"}, {23, "MC Blocked TLP"},
-    {24, "Atomic Op Egress Blocked"}, {25, "TLP Prefix Blocked Error"},
-    {26, "Poisoned TLP Egress Blocked"},
-};
+template <size_t N>
+constexpr std::array<FlagBit, N> Relabel(const FlagBit (&bits)[N], uint8_t bit, const char *label) {
+    std::array<FlagBit, N> out = {};
+    for (size_t i = 0; i < N; ++i) out[i] = bits[i].bit == bit ? FlagBit{bit, label} : bits[i];
+    return out;
+}
+
+constexpr auto kUncorrectableMaskBits = Relabel(kSeverityBits, 15, "Completer Abort Mask");
 
 const FlagBit kCorrectableMaskBits[] = {
     {0, "Reciever"},            {6, "Bad TLP"},
@@ -181,8 +184,7 @@ void PrintRamStation(const ZENTREL_PACKET_RAM_STATION &s) {
     printf("\tREGFILE RAM  Err Cnt       : %d \n", static_cast<int>(s.RegisterFile));
 }
 
-}  // namespace
-
+// The block of one port: counters, then the decode of its error registers.
 void PrintPortErrorBlock(FILE *out, uint32_t port, const ZENTREL_SWITCH_PORT_ERROR_STATISTICS &s) {
     fprintf(out, "Port Number : %d \n", s.PortNumber);
     fprintf(out, "Station Number : %d \n", s.StationNumber);
@@ -208,6 +210,8 @@ void PrintPortErrorBlock(FILE *out, uint32_t port, const ZENTREL_SWITCH_PORT_ERR
     PrintSettingFlags(out, kFramingStatus, s.FramingStatus);
     fprintf(out, "\n\n");
 }
+
+}  // namespace
 
 // Every port 0..143 is asked, whatever the switch's size; a port whose
 // read fails is left out without a word.

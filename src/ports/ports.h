@@ -22,8 +22,4 @@ uint32_t ReadAllPortProperties(PTR_ZENTREL_DEVICE device);
 // which fails with a message and nothing else printed.
 uint32_t PrintPortProperties(const ZENTREL_SWITCH_PORT_PROPERTIES *properties, FILE *stream);
 
-// The block of one port's error statistics: counters, then the decode of
-// its error registers, headed with the port index that was asked for.
-void PrintPortErrorBlock(FILE *stream, uint32_t port, const ZENTREL_SWITCH_PORT_ERROR_STATISTICS &stats);
-
 #endif
