@@ -5,6 +5,7 @@
 #include "zentrel_types.h"
 #include "zentrel_frontend.h"
 #include "zentrel_settings.h"
+#include "zentrel_ports.h"
 #include "zentrel_status.h"
 #include "zentrel_images.h"
 #include "zentrel_security.h"

@@ -155,9 +155,17 @@ ZENTREL_API ZENTREL_STATUS ZentrelGetDeviceInfo(uint32_t Index, uint32_t Length,
     call.Arg("index", Index).Arg("length", Length);
     if (!call.Proceed()) return call.Result();
     sim::State &model = call.Model();
-    if (Info == nullptr || Length != ZENTREL_DEVICE_INFO_LENGTH || Index >= model.found.size())
-        return call.Return(sim::kStatusInvalidParameter);
-    const sim::Device &device = model.devices[model.found[Index]];
+    if (Info == nullptr || Length != ZENTREL_DEVICE_INFO_LENGTH) return call.Return(sim::kStatusInvalidParameter);
+    // The index of a found switch, or the handle of one.
+    const sim::Device *found = nullptr;
+    if (Index < model.found.size()) {
+        found = &model.devices[model.found[Index]];
+    } else {
+        for (size_t i : model.found)
+            if (model.devices[i].info.Handle == Index) found = &model.devices[i];
+    }
+    if (found == nullptr) return call.Return(sim::kStatusInvalidParameter);
+    const sim::Device &device = *found;
     memcpy(Info, &device.info, sizeof *Info);
     // Reading a switch also caches its manufacturing information.
     sim::CacheMfgInfo(device);

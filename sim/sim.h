@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "images_model.h"
+#include "ports_model.h"
 #include "reader.h"
 #include "security_model.h"
 #include "settings_model.h"
@@ -35,6 +36,7 @@ struct Device {
     StatusModel status;
     ImagesModel images;
     SecurityModel security;
+    PortsModel ports;
 };
 
 struct Injection {
@@ -82,7 +84,7 @@ struct ModelPart {
     void (*saveLibrary)(Json *library);
 };
 
-extern const ModelPart kFrontendPart, kSettingsPart, kStatusPart, kImagesPart, kSecurityPart;
+extern const ModelPart kFrontendPart, kSettingsPart, kStatusPart, kImagesPart, kSecurityPart, kPortsPart;
 // Every part, in the order their defaults and keys apply; ends with null.
 extern const ModelPart *const kModelParts[];
 

@@ -7,6 +7,7 @@
 #include "helpers.h"
 #include "images/images.h"
 #include "security/security.h"
+#include "ports/ports.h"
 #include "settings/settings.h"
 #include "status/status.h"
 
@@ -68,12 +69,17 @@ const CommandRow kCommandTable[] = {
     {"--help", PrintUsage, 0},
     {"-temp", GetTemperature, 0},
     {"-healthlogs", NotSupported<0>, 1},
+    {"-portprop", GetPortProperties, 0},
     {"-getccr", GetCcrStatus, 0},
     {"-getpos", GetPowerOnSense, 0},
     {"-sweye", NotSupported<9>, 0},
     {"-gethealth", NotSupported<0>, 0},
     {"-getswlogs", NotSupported<9>, 0},
     {"-healthcheck", NotSupported<9>, 0},
+    {"-swerr", GetPortErrors, 0},
+    {"-swpktramerr", GetPacketRamErrors, 0},
+    {"-resetpktramerr", ResetPacketRamErrors, 0},
+    {"-resetporterr", ResetPortErrors, 0},
     {"-ver", GetVersions, 0},
     {"-spdminfo", GetSpdmInfo, 0},
     {"-spdmslotinfo", GetSpdmSlotInfo, 0},

@@ -5,6 +5,7 @@
 #include "images/images.h"
 #include "input.h"
 #include "security/security.h"
+#include "ports/ports.h"
 #include "settings/settings.h"
 #include "status/status.h"
 
@@ -94,11 +95,27 @@ void RunOption(uint32_t choice, PTR_ZENTREL_DEVICE_INFO info) {
     case 2:
         GetTemperature(device, noWords, info);
         break;
+    case 9:
+    case 39:
+        GetPortErrors(device, noWords, info);
+        break;
+    case 10:
+        GetPortProperties(device, nullptr, info);
+        break;
     case 17:
         GetPowerOnSense(device, noWords, info);
         break;
     case 18:
         GetCcrStatus(device, noWords, info);
+        break;
+    case 33:
+        GetPacketRamErrors(device, noWords, info);
+        break;
+    case 38:
+        ResetPacketRamErrors(device, noWords, info);
+        break;
+    case 40:
+        ResetPortErrors(device, noWords, info);
         break;
     case 41:
         DownloadFirmware(device, noWords, info);
