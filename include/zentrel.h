@@ -6,5 +6,6 @@
 #include "zentrel_frontend.h"
 #include "zentrel_settings.h"
 #include "zentrel_status.h"
+#include "zentrel_dumps.h"
 
 #endif

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "dumps_model.h"
 #include "reader.h"
 #include "settings_model.h"
 #include "status_model.h"
@@ -31,6 +32,7 @@ struct Device {
     uint8_t pcieBus, pcieDevice, pcieFunction;
     SettingsModel settings;
     StatusModel status;
+    DumpsModel dumps;
 };
 
 struct Injection {
@@ -78,7 +80,7 @@ struct ModelPart {
     void (*saveLibrary)(Json *library);
 };
 
-extern const ModelPart kFrontendPart, kSettingsPart, kStatusPart;
+extern const ModelPart kFrontendPart, kSettingsPart, kStatusPart, kDumpsPart;
 // Every part, in the order their defaults and keys apply; ends with null.
 extern const ModelPart *const kModelParts[];
 

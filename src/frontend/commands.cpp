@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "discovery.h"
+#include "dumps/dumps.h"
 #include "helpers.h"
 #include "settings/settings.h"
 #include "status/status.h"
@@ -65,6 +66,9 @@ const CommandRow kCommandTable[] = {
     {"-help", PrintUsage, 0},
     {"--help", PrintUsage, 0},
     {"-temp", GetTemperature, 0},
+    {"-getcoredump", CaptureCoreDump, 0},
+    {"-erasecoredump", EraseCoreDump, 0},
+    {"-gettrace", GetTrace, 0},
     {"-healthlogs", NotSupported<0>, 1},
     {"-getccr", GetCcrStatus, 0},
     {"-getpos", GetPowerOnSense, 0},
@@ -73,6 +77,7 @@ const CommandRow kCommandTable[] = {
     {"-getswlogs", NotSupported<9>, 0},
     {"-healthcheck", NotSupported<9>, 0},
     {"-ver", GetVersions, 0},
+    {"-getdecodedtrace", GetDecodedTrace, 0},
     {"-SetHealthCfg", SetHealthConfig, 0},
     {"-GetHealthCfg", GetHealthConfig, 0},
     {"-swsettime", SetSwitchTime, 0},

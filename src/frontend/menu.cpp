@@ -2,6 +2,7 @@
 
 #include <cstdio>
 
+#include "dumps/dumps.h"
 #include "input.h"
 #include "settings/settings.h"
 #include "status/status.h"
@@ -92,11 +93,20 @@ void RunOption(uint32_t choice, PTR_ZENTREL_DEVICE_INFO info) {
     case 2:
         GetTemperature(device, noWords, info);
         break;
+    case 3:
+        GetTrace(device, noWords, info);
+        break;
+    case 5:
+        CaptureCoreDump(device, noWords, info);
+        break;
     case 17:
         GetPowerOnSense(device, noWords, info);
         break;
     case 18:
         GetCcrStatus(device, noWords, info);
+        break;
+    case 57:
+        GetDecodedTrace(device, noWords, info);
         break;
     case 58:
         SetAsyncCommandTimeout(device);
@@ -140,8 +150,23 @@ void RunOption(uint32_t choice, PTR_ZENTREL_DEVICE_INFO info) {
     case 118:
         GpioControl(device, nullptr, info);
         break;
+    case 116:
+        GetCoreDumpInfo(device);
+        break;
+    case 117:
+        GetCoreDumpSection(device);
+        break;
     case 121:
         GetWaferInfo(device, nullptr, info);
+        break;
+    case 122:
+        EraseCoreDump(device, nullptr, info);
+        break;
+    case 123:
+        SetCoreDumpTrigger(device, nullptr, info);
+        break;
+    case 124:
+        GetCoreDumpTrigger(device, nullptr, info);
         break;
     case 4:
     case 43:
