@@ -9,12 +9,17 @@ header lines follow, then sections that begin with "--- <section>":
     status: 0                   expected exit status (default 0)
     signal: QUIT when "text"    send SIGINT/SIGQUIT once stdout ends with text
     timeout: 20                 seconds (default 10, times the launcher factor)
+    cwd: unwritable             no file can be created in the working directory
+                                (it is removed once the program runs in it,
+                                which stops root as well as anyone else)
     --- stdin                   standard input, byte for byte (same escapes)
     --- scenario                JSON handed to the simulator
     --- stdout                  expected standard output, exactly
     --- stderr                  expected standard error (default: empty)
     --- calls                   expected library trace, every line
     --- file NAME               expected content of a file the run writes
+    --- hexfile NAME            the same for a binary file: its bytes in hex,
+                                any number a line, blanks between them
 
 Expected texts are written line by line; each line stands for its text and a
 newline. Escapes: \\t tab, \\r carriage return, \\n newline, \\_ a blank (required for
@@ -23,7 +28,9 @@ leading @ or -, \\e for nothing (a last line "\\e" is an empty line, as empty
 lines at the end of a section are dropped), and \\c at the end of a line
 for "no newline here". A line
 "@name" inserts fragments/name.txt. Every file that a run leaves in its
-working directory must be listed with a "file" section. In stderr, the
+working directory must be listed with a "file" or "hexfile" section. A NAME
+with "*" in it is a pattern for a name that changes from run to run
+("coredump_*.txt"): exactly one file must match it. In stderr, the
 scenario file's path reads SCENARIO.
 """
 import argparse
@@ -133,7 +140,7 @@ def parse_cases(path):
             # Blank lines before the next case or section belong to nothing.
             while body and body[-1] == "":
                 body.pop()
-        known = {"args", "status", "signal", "timeout"}
+        known = {"args", "status", "signal", "timeout", "cwd"}
         extra = set(case["headers"]) - known
         if extra:
             raise CaseError(f"{path}: case '{case['name']}': unknown header {sorted(extra)}")
@@ -172,6 +179,10 @@ def run_case(case, args, where):
     stdin = expand(s["stdin"], where + " stdin").encode() if "stdin" in s else b""
     argv = shlex.split(args.launcher) + [args.binary] + shlex.split(h.get("args", ""))
     timeout = float(h.get("timeout", "10")) * args.slow
+    if h.get("cwd", "") == "unwritable":
+        argv = ["sh", "-c", 'rmdir "$1" && shift && exec "$@"', "sh", cwd] + argv
+    elif "cwd" in h:
+        raise CaseError(f"{where}: cwd: unwritable is the only choice")
     try:
         proc = subprocess.Popen(argv, cwd=cwd, env=env, stdin=subprocess.PIPE,
                                 stdout=subprocess.PIPE, stderr=subprocess.PIPE)
@@ -251,19 +262,45 @@ def run_case(case, args, where):
             actual = ""
         if actual != expected:
             failures.append("calls: " + describe(expected, actual))
-    files = {name[5:].strip(): body for name, body in s.items() if name.startswith("file ")}
-    for name, body in files.items():
-        path = os.path.join(cwd, name)
+    files = {}
+    for section, body in s.items():
+        kind, _, name = section.partition(" ")
+        if kind in ("file", "hexfile"):
+            files[name.strip()] = (kind, body)
+    present = sorted(os.listdir(cwd)) if os.path.isdir(cwd) else []
+    matched = set()
+    for name, (kind, body) in files.items():
+        if "*" in name:
+            pattern = re.compile(".*".join(re.escape(part) for part in name.split("*")))
+            found = [p for p in present if pattern.fullmatch(p)]
+            if len(found) != 1:
+                failures.append(f"file {name}: {len(found)} files match, expected one: {found}")
+                matched.update(found)
+                continue
+            path_name = found[0]
+        else:
+            path_name = name
+        matched.add(path_name)
+        path = os.path.join(cwd, path_name)
         if not os.path.exists(path):
             failures.append(f"file {name} was not written")
             continue
         with open(path, "rb") as f:
-            actual = f.read().decode("utf-8", errors="replace")
+            content = f.read()
+        if kind == "hexfile":
+            try:
+                expected_bytes = bytes.fromhex(" ".join(body))
+            except ValueError:
+                raise CaseError(f"{where} hexfile {name}: not hex bytes")
+            if content != expected_bytes:
+                failures.append(f"hexfile {name}: expected {expected_bytes.hex(' ')}, got {content.hex(' ')}")
+            continue
+        actual = content.decode("utf-8", errors="replace")
         expected = expand(body, f"{where} file {name}")
         if actual != expected:
             failures.append(f"file {name}: " + describe(expected, actual))
-    for name in sorted(os.listdir(cwd)):
-        if name not in files:
+    for name in present:
+        if name not in matched:
             failures.append(f"unexpected file {name} in the working directory")
     if failures and args.verbose:
         failures.append("whole stdout:\n" + actual_out)
