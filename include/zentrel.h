@@ -9,5 +9,6 @@
 #include "zentrel_status.h"
 #include "zentrel_images.h"
 #include "zentrel_security.h"
+#include "zentrel_dumps.h"
 
 #endif

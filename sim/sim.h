@@ -9,6 +9,7 @@
 
 #include "images_model.h"
 #include "ports_model.h"
+#include "dumps_model.h"
 #include "reader.h"
 #include "security_model.h"
 #include "settings_model.h"
@@ -37,6 +38,7 @@ struct Device {
     ImagesModel images;
     SecurityModel security;
     PortsModel ports;
+    DumpsModel dumps;
 };
 
 struct Injection {
@@ -84,7 +86,7 @@ struct ModelPart {
     void (*saveLibrary)(Json *library);
 };
 
-extern const ModelPart kFrontendPart, kSettingsPart, kStatusPart, kImagesPart, kSecurityPart, kPortsPart;
+extern const ModelPart kFrontendPart, kSettingsPart, kStatusPart, kImagesPart, kSecurityPart, kPortsPart, kDumpsPart;
 // Every part, in the order their defaults and keys apply; ends with null.
 extern const ModelPart *const kModelParts[];
 

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "discovery.h"
+#include "dumps/dumps.h"
 #include "helpers.h"
 #include "images/images.h"
 #include "security/security.h"
@@ -68,6 +69,9 @@ const CommandRow kCommandTable[] = {
     {"-help", PrintUsage, 0},
     {"--help", PrintUsage, 0},
     {"-temp", GetTemperature, 0},
+    {"-getcoredump", CaptureCoreDump, 0},
+    {"-erasecoredump", EraseCoreDump, 0},
+    {"-gettrace", GetTrace, 0},
     {"-healthlogs", NotSupported<0>, 1},
     {"-portprop", GetPortProperties, 0},
     {"-getccr", GetCcrStatus, 0},
@@ -87,6 +91,7 @@ const CommandRow kCommandTable[] = {
     {"-spdmimport", SpdmImportCertificate, 0},
     {"-spdmread", SpdmReadCertificate, 0},
     {"-spdmsltmgmt", SpdmInvalidateSlot, 0},
+    {"-getdecodedtrace", GetDecodedTrace, 0},
     {"-downloadusd", DownloadUnitSpecificData, 0},
     {"-uploadusd", UploadUnitSpecificData, 0},
     {"-SetHealthCfg", SetHealthConfig, 0},

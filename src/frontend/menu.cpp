@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "images/images.h"
+#include "dumps/dumps.h"
 #include "input.h"
 #include "security/security.h"
 #include "ports/ports.h"
@@ -95,6 +96,12 @@ void RunOption(uint32_t choice, PTR_ZENTREL_DEVICE_INFO info) {
     case 2:
         GetTemperature(device, noWords, info);
         break;
+    case 3:
+        GetTrace(device, noWords, info);
+        break;
+    case 5:
+        CaptureCoreDump(device, noWords, info);
+        break;
     case 9:
     case 39:
         GetPortErrors(device, noWords, info);
@@ -140,6 +147,9 @@ void RunOption(uint32_t choice, PTR_ZENTREL_DEVICE_INFO info) {
         break;
     case 55:
         SpdmInvalidateSlot(device, nullptr, info);
+        break;
+    case 57:
+        GetDecodedTrace(device, noWords, info);
         break;
     case 58:
         SetAsyncCommandTimeout(device);
@@ -215,8 +225,23 @@ void RunOption(uint32_t choice, PTR_ZENTREL_DEVICE_INFO info) {
     case 118:
         GpioControl(device, nullptr, info);
         break;
+    case 116:
+        GetCoreDumpInfo(device);
+        break;
+    case 117:
+        GetCoreDumpSection(device);
+        break;
     case 121:
         GetWaferInfo(device, nullptr, info);
+        break;
+    case 122:
+        EraseCoreDump(device, nullptr, info);
+        break;
+    case 123:
+        SetCoreDumpTrigger(device, nullptr, info);
+        break;
+    case 124:
+        GetCoreDumpTrigger(device, nullptr, info);
         break;
     case 128:
         DownloadCfgPage(device, nullptr, info);

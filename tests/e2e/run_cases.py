@@ -21,6 +21,9 @@ header lines follow, then sections that begin with "--- <section>":
     state: NAME                 ZENTREL_SIM_STATE names NAME in a directory that
                                 the cases of one file share, in order (so a run
                                 sees what the runs before it left)
+    cwd: unwritable             no file can be created in the working directory
+                                (it is removed once the program runs in it,
+                                which stops root as well as anyone else)
     --- stdin                   standard input, byte for byte (same escapes)
     --- state                   written to the state file before the run
     --- state after             expected content of the state file after the run
@@ -30,6 +33,8 @@ header lines follow, then sections that begin with "--- <section>":
     --- stderr                  expected standard error (default: empty)
     --- calls                   expected library trace, every line
     --- file NAME               expected content of a file the run writes
+    --- hexfile NAME            the same for a binary file: its bytes in hex,
+                                any number a line, blanks between them
     --- input NAME              a file put in the working directory first
                                 (NAME may name a directory: dir/file)
 
@@ -39,7 +44,9 @@ trailing blanks, which editors strip), \\\\ backslash, \\@ and \\- for a
 leading @ or -, \\e for nothing (a last line "\\e" is an empty line, as empty
 lines at the end of a section are dropped), \\xHH for the byte HH (binary
 files), and \\c at the end of a line for "no newline here". A line
-"@name" inserts fragments/name.txt. Every file that a run leaves in its
+"@name" inserts fragments/name.txt. A file NAME with "*" in it is a pattern
+for a name that changes from run to run ("coredump_*.txt"): exactly one file
+must match it. Every file that a run leaves in its
 working directory must be listed with a "file" section, an input (which the
 run must leave as it was, unless it has a "file" section) or "same". In stderr, the
 scenario file's path reads SCENARIO, and the shared state directory STATEDIR.
@@ -161,7 +168,7 @@ def parse_cases(path):
             # Blank lines before the next case or section belong to nothing.
             while body and body[-1] == "":
                 body.pop()
-        known = {"args", "status", "signal", "timeout", "input", "same", "then", "stdin", "state"}
+        known = {"args", "status", "signal", "timeout", "input", "same", "then", "stdin", "state", "cwd"}
         extra = set(case["headers"]) - known
         if extra:
             raise CaseError(f"{path}: case '{case['name']}': unknown header {sorted(extra)}")
@@ -239,6 +246,10 @@ def run_case(case, args, where, state_dir):
 def run_once(h, args, words, cwd, env, stdin, out, err, where):
     argv = shlex.split(args.launcher) + [args.binary] + shlex.split(words)
     timeout = float(h.get("timeout", "10")) * args.slow
+    if h.get("cwd", "") == "unwritable":
+        argv = ["sh", "-c", 'rmdir "$1" && shift && exec "$@"', "sh", cwd] + argv
+    elif "cwd" in h:
+        raise CaseError(f"{where}: cwd: unwritable is the only choice")
     stdin_kind = h.get("stdin", "pipe")
     if stdin_kind not in ("pipe", "closed", "directory"):
         raise CaseError(f"{where}: stdin: closed or directory")
@@ -340,14 +351,39 @@ def check(case, cwd, trace, env, returncode, out, err, inputs, written, args, st
             actual = ""
         if actual != expected:
             failures.append("calls: " + describe(expected, actual))
-    files = {name[5:].strip(): body for name, body in s.items() if name.startswith("file ")}
-    for name, body in files.items():
-        path = os.path.join(cwd, name)
+    files = {}
+    for section, body in s.items():
+        kind, _, name = section.partition(" ")
+        if kind in ("file", "hexfile"):
+            files[name.strip()] = (kind, body)
+    present = sorted(os.listdir(cwd)) if os.path.isdir(cwd) else []
+    matched = set()
+    for name, (kind, body) in files.items():
+        if "*" in name:
+            pattern = re.compile(".*".join(re.escape(part) for part in name.split("*")))
+            found = [p for p in present if pattern.fullmatch(p)]
+            if len(found) != 1:
+                failures.append(f"file {name}: {len(found)} files match, expected one: {found}")
+                matched.update(found)
+                continue
+            path_name = found[0]
+        else:
+            path_name = name
+        matched.add(path_name)
+        path = os.path.join(cwd, path_name)
         if not os.path.exists(path):
             failures.append(f"file {name} was not written")
             continue
         with open(path, "rb") as f:
             data = f.read()
+        if kind == "hexfile":
+            try:
+                expected_bytes = bytes.fromhex(" ".join(body))
+            except ValueError:
+                raise CaseError(f"{where} hexfile {name}: not hex bytes")
+            if data != expected_bytes:
+                failures.append(f"hexfile {name}: expected {expected_bytes.hex(' ')}, got {data.hex(' ')}")
+            continue
         expected = expand(body, f"{where} file {name}")
         if data != expected.encode("utf-8", errors="surrogateescape"):
             actual = data.decode("utf-8", errors="surrogateescape")
@@ -373,13 +409,13 @@ def check(case, cwd, trace, env, returncode, out, err, inputs, written, args, st
                 failures.append(f"file {name} was not written")
         if None not in contents and any(c != contents[0] for c in contents):
             failures.append("files differ: " + " ".join(same))
-    for name in sorted(os.listdir(cwd)):
-        if name in written and name not in files:
+    for name in present:
+        if name in written and name not in matched:
             with open(os.path.join(cwd, name), "rb") as f:
                 if f.read() != written[name]:
                     failures.append(f"input file {name} was changed")
             continue
-        if name not in files and name not in inputs and name not in same:
+        if name not in matched and name not in inputs and name not in same:
             failures.append(f"unexpected file {name} in the working directory")
     if failures and args.verbose:
         failures.append("whole stdout:\n" + actual_out)
