@@ -56,14 +56,16 @@ protected:
         std::vector<std::string> names;
         DIR *d = opendir(dir_.c_str());
         if (d == nullptr) return names;
-        while (dirent *e = readdir(d))
+        // The 64-bit forms, which a 32-bit controller needs on a file
+        // system with large directory offsets or inode numbers.
+        while (dirent64 *e = readdir64(d))
             if (e->d_name[0] != '.') names.push_back(e->d_name);
         closedir(d);
         return names;
     }
-    static off_t SizeOf(const std::string &name) {
-        struct stat st;
-        return stat(name.c_str(), &st) == 0 ? st.st_size : -1;
+    static off64_t SizeOf(const std::string &name) {
+        struct stat64 st;
+        return stat64(name.c_str(), &st) == 0 ? st.st_size : -1;
     }
 
     ZENTREL_DEVICE_CONTEXT context_ = {};
