@@ -2,12 +2,18 @@
 # Installs the Debian packages the build needs and the machine lacks.
 #   scripts/deps.sh          what the native build and tests need
 #   scripts/deps.sh --arm    also the ARM cross compiler and user-mode emulator
+#   scripts/deps.sh --package    also what builds and checks the Debian packages
+#   (the flags combine)
 set -euo pipefail
 
 packages=(cmake make g++ python3 googletest nlohmann-json3-dev)
-if [ "${1:-}" = "--arm" ]; then
-  packages+=(g++-arm-linux-gnueabihf qemu-user)
-fi
+for flag in "$@"; do
+  case $flag in
+    --arm) packages+=(g++-arm-linux-gnueabihf qemu-user) ;;
+    --package) packages+=(lintian mandoc groff-base man-db gzip binutils) ;;
+    *) echo "deps.sh: unknown flag $flag" >&2; exit 2 ;;
+  esac
+done
 
 missing=()
 for p in "${packages[@]}"; do

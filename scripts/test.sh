@@ -1,9 +1,11 @@
 #!/usr/bin/env bash
 # Builds and runs every test three times: natively with warnings as errors,
 # natively with AddressSanitizer and UndefinedBehaviorSanitizer, and for the
-# 32-bit ARM controller under user-mode emulation. Any failure fails the run.
-#   scripts/test.sh            all three
-#   scripts/test.sh native     only one of: native, sanitize, arm
+# 32-bit ARM controller under user-mode emulation; then builds the Debian
+# packages of the native and ARM builds and checks them. Any failure fails
+# the run.
+#   scripts/test.sh            all of them
+#   scripts/test.sh native     only one of: native, sanitize, arm, package
 set -euo pipefail
 cd "$(dirname "$0")/.."
 jobs=$(nproc)
@@ -11,18 +13,32 @@ only="${1:-}"
 
 want() { [ -z "$only" ] || [ "$only" = "$1" ]; }
 
-if want arm; then scripts/deps.sh --arm; else scripts/deps.sh; fi
+flags=()
+want arm && flags+=(--arm)
+want package && flags+=(--arm --package)
+scripts/deps.sh "${flags[@]}"
 
-run() {
+build() {
   local dir=$1
   shift
   echo "=== $dir"
   cmake -S . -B "$dir" -DZENTREL_WERROR=ON "$@" >/dev/null
   cmake --build "$dir" -j"$jobs"
-  ctest --test-dir "$dir" --output-on-failure -j"$jobs"
 }
 
-want native && run build-test -DCMAKE_BUILD_TYPE=RelWithDebInfo
+run() {
+  build "$@"
+  ctest --test-dir "$1" --output-on-failure -j"$jobs"
+}
+
+native=(build-test -DCMAKE_BUILD_TYPE=RelWithDebInfo)
+arm=(build-arm -DCMAKE_BUILD_TYPE=MinSizeRel -DCMAKE_TOOLCHAIN_FILE=cmake/arm-linux-gnueabihf.cmake)
+want native && run "${native[@]}"
 want sanitize && run build-sanitize -DCMAKE_BUILD_TYPE=Debug -DZENTREL_SANITIZE=ON
-want arm && run build-arm -DCMAKE_BUILD_TYPE=MinSizeRel -DCMAKE_TOOLCHAIN_FILE=cmake/arm-linux-gnueabihf.cmake
+want arm && run "${arm[@]}"
+if want package; then
+  # Packages are made from the builds above; alone, this run builds them.
+  [ -n "$only" ] && build "${native[@]}" && build "${arm[@]}"
+  scripts/package-check.sh build-test build-arm
+fi
 echo "all test runs passed"
