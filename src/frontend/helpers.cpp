@@ -8,6 +8,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "output.h"
+
 namespace {
 
 const char kDecimalMessage[] = "Only decimal supported, please check your input index\n";
@@ -162,6 +164,8 @@ int DumpHex(FILE *stream, const uint8_t *bytes, int32_t count) {
 }
 
 void SleepMs(uint32_t milliseconds) {
+    // What was printed shows while the utility waits.
+    FlushOutput();
     // usleep takes at most a second at a time on some C libraries.
     uint64_t us = 1000ULL * milliseconds;
     while (us > 0) {

@@ -10,6 +10,8 @@
 #include <termios.h>
 #include <unistd.h>
 
+#include "output.h"
+
 namespace {
 
 // Longest number text kept; longer digit runs saturate anyway.
@@ -17,7 +19,9 @@ constexpr size_t kNumberText = 80;
 
 // Skips blanks and newlines, then reads one word, keeping at most size-1
 // characters. The character that ends the word stays unread, as with scanf.
+// Every answer is read here, so this is where the prompt is written out.
 int ReadToken(char *buffer, size_t size) {
+    FlushOutput();
     int c;
     do {
         c = getchar();

@@ -7,6 +7,7 @@
 #include "commands.h"
 #include "discovery.h"
 #include "helpers.h"
+#include "output.h"
 #include "zentrel.h"
 
 namespace {
@@ -22,14 +23,16 @@ void WriteConstant(const char (&text)[N]) {
     (void)written;
 }
 
-// Standard output is unbuffered (see main), so everything printed before
-// the signal is already out when its message follows.
+// What was printed before the signal is written out first, so that the
+// message follows it (see output.h).
 void OnSignal(int signal) {
     if (signal == SIGINT) {
+        WritePendingOutput();
         WriteConstant("\n zentreltest interrupted");
         _exit(1);
     }
     if (signal == SIGQUIT) {
+        WritePendingOutput();
         WriteConstant("\n zentreltest quit received");
         _exit(1);
     }
@@ -52,9 +55,7 @@ bool Is(const char *word, const char *name) {
 }  // namespace
 
 int main(int argc, char **argv) {
-    // Unbuffered, so that output keeps its order with the signal messages
-    // and nothing is lost when a signal ends the process.
-    setvbuf(stdout, nullptr, _IONBF, 0);
+    StartBufferedOutput();
 
     if (signal(SIGINT, OnSignal) == SIG_ERR) printf("signal(SIGINT) error\n");
     // The SIGQUIT failure reports with the SIGINT text, as it always has.
