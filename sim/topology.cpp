@@ -485,6 +485,18 @@ int ApplyTopologyKey(Device &device, const std::string &key, const Json &value, 
         if (ok) SyncAssignments(device);
         return Took(ok);
     }
+    if (key == "vdspTable") {
+        // The host ports have exactly the vDSPs listed, bound alike at
+        // runtime and in the configuration page.
+        t.vdsps.clear();
+        bool ok = ReadNumberedList(value, "hostPort", kLastPort, error,
+                                   [&](uint64_t host, const Json &entry, Problem *problem) {
+                                       return ReadVdsp(host, entry, t, false, problem);
+                                   });
+        for (Vdsp &v : t.vdsps) v.savedPort = v.port;
+        if (ok) SyncAssignments(device);
+        return Took(ok);
+    }
     if (key == "downstreamDevices") {
         t.extraDevices.clear();
         return Took(ReadNumberedList(value, "port", kLastPort, error, each(ReadExtraDevice)));
