@@ -532,12 +532,12 @@ int ApplyTopologyKey(Device &device, const std::string &key, const Json &value, 
 // in the configuration page; the rest is lost on a power cycle.
 void SaveTopology(const Device &device, Json *flash, Json *runtime) {
     const TopologyModel &t = device.topology;
-    Json saved = Json::array(), bound = Json::array();
+    Json page = Json::array(), bound = Json::array();
     for (const Vdsp &v : t.vdsps) {
-        saved.push_back({{"hostPort", v.hostPort}, {"vdsp", v.id}, {"port", v.savedPort}});
+        page.push_back({{"hostPort", v.hostPort}, {"vdsp", v.id}, {"port", v.savedPort}});
         bound.push_back({{"hostPort", v.hostPort}, {"vdsp", v.id}, {"port", v.port}});
     }
-    (*flash)["savedVdsps"] = saved;
+    (*flash)["savedVdsps"] = page;
     (*runtime)["vdsps"] = bound;
     Json disabled = Json::array();
     for (uint32_t p = 0; p < ZENTREL_PORT_COUNT; ++p)
@@ -548,11 +548,15 @@ void SaveTopology(const Device &device, Json *flash, Json *runtime) {
         writes.push_back({{"port", std::get<0>(k)}, {"extended", std::get<1>(k)}, {"capId", std::get<2>(k)},
                           {"offset", std::get<3>(k)}, {"byte", byte}});
     (*runtime)["csrWrites"] = writes;
-    Json mpi = Json::array();
-    for (uint32_t h = 0; h < ZENTREL_PORT_COUNT; ++h)
-        if (IsHostPort(device, h))
-            mpi.push_back({{"hostPort", h}, {"access", t.mpi[h].access}, {"savedAccess", t.mpi[h].savedAccess}});
-    (*runtime)["mpiPage"] = mpi;
+    // The same key in both: the saved access flags survive a power cycle.
+    Json access = Json::array(), saved = Json::array();
+    for (uint32_t h = 0; h < ZENTREL_PORT_COUNT; ++h) {
+        if (!IsHostPort(device, h)) continue;
+        access.push_back({{"hostPort", h}, {"access", t.mpi[h].access}});
+        saved.push_back({{"hostPort", h}, {"savedAccess", t.mpi[h].savedAccess}});
+    }
+    (*runtime)["mpiPage"] = access;
+    (*flash)["mpiPage"] = saved;
 }
 
 void PowerCycleTopology(Device &device) {
