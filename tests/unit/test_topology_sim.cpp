@@ -4,8 +4,15 @@
 // as the process, so each test puts back what it changed.
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <cstring>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <unistd.h>
 #include <vector>
+
+#include <nlohmann/json.hpp>
 
 #include "zentrel.h"
 
@@ -144,6 +151,55 @@ TEST_F(TopologySimulator, AllPortsNeedRoomForEveryEntry) {
     EXPECT_EQ(ZentrelSwitchGetPortAttr(&handle_, &req, resp), ZENTREL_STATUS_PORT_ATTR_TOO_MANY);
     EXPECT_EQ(resp->TotalPorts, 12u);
     EXPECT_EQ(resp->NumEntries, 0u);
+}
+
+// Bindings, port enables and register writes are written to the state
+// file and read back by the next run (on the second switch, which the
+// other tests leave alone; everything is put back at the end).
+TEST_F(TopologySimulator, BindingsEnablesAndRegisterWritesLastAcrossRuns) {
+    char path[] = "/tmp/zentrel-topology-state-XXXXXX";
+    int fd = mkstemp(path);
+    ASSERT_GE(fd, 0);
+    close(fd);
+    unlink(path);
+    setenv("ZENTREL_SIM_STATE", path, 1);
+    ZentrelExit();
+    ASSERT_EQ(ZentrelInitialize(), ZENTREL_STATUS_SUCCESS);
+    handle_ = 0x101;
+    const uint32_t host = ZENTREL_PORT_DESCRIPTOR(1, 0);
+    ASSERT_EQ(ZentrelSwitchPortDsVDspUnbind(&handle_, host, ZENTREL_ASSIGN_RUNTIME, 3), ZENTREL_STATUS_SUCCESS);
+    ASSERT_EQ(ZentrelSwitchControlPortDsbl(&handle_, 36), ZENTREL_STATUS_SUCCESS);
+    ZENTREL_SWITCH_PORT_CSR_ACCESS write = {0, 0, 0, 1, 2, {}, 0x05, 0x81};  // MSI enable on the host port
+    ASSERT_EQ(ZentrelSwitchWritePortCSR(&handle_, &write), ZENTREL_STATUS_SUCCESS);
+    ASSERT_EQ(ZentrelExit(), ZENTREL_STATUS_SUCCESS);
+
+    std::ifstream in(path);
+    std::stringstream text;
+    text << in.rdbuf();
+    nlohmann::json saved = nlohmann::json::parse(text.str(), nullptr, false);
+    ASSERT_TRUE(saved.is_object());
+    nlohmann::json &runtime = saved["devices"]["0x101"]["runtime"];
+    EXPECT_EQ(runtime["disabledPorts"], nlohmann::json::array({36}));
+    EXPECT_EQ(runtime["csrWrites"].size(), 1u);
+    EXPECT_FALSE(saved["devices"]["0x101"].contains("flash"));  // a runtime unbind only
+
+    ASSERT_EQ(ZentrelInitialize(), ZENTREL_STATUS_SUCCESS);
+    EXPECT_FALSE(Assigned(Port(0), 48));
+    EXPECT_EQ(Port(36).NegotiatedLinkWidth, 0u);
+    ZENTREL_SWITCH_PCI_CAPABILITIES caps = {};
+    ASSERT_EQ(ZentrelSwitchGetPciCapabilities(&handle_, 0, &caps), ZENTREL_STATUS_SUCCESS);
+    EXPECT_EQ(caps.Msi, 1);  // the written enable bit
+
+    ASSERT_EQ(ZentrelSwitchPortDsVDspBind(&handle_, ZENTREL_PORT_DESCRIPTOR(1, 48), host, ZENTREL_ASSIGN_RUNTIME, 3),
+              ZENTREL_STATUS_SUCCESS);
+    ASSERT_EQ(ZentrelSwitchControlPortEnbl(&handle_, 36), ZENTREL_STATUS_SUCCESS);
+    write.Data = 0x80;  // the host port's MSI as it was: 64-bit capable, not enabled
+    ASSERT_EQ(ZentrelSwitchWritePortCSR(&handle_, &write), ZENTREL_STATUS_SUCCESS);
+    ZentrelExit();
+    unsetenv("ZENTREL_SIM_STATE");
+    unlink(path);
+    std::string lock = std::string(path) + ".lock";
+    unlink(lock.c_str());
 }
 
 }  // namespace
