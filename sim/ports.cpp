@@ -499,6 +499,16 @@ bool PortExists(const PortsModel &m, uint32_t port) {
     return port < ZENTREL_PORT_COUNT && m.ports[port].Valid != 0;
 }
 
+// A port disabled by port control shows its link down.
+ZENTREL_SWITCH_PORT_ENTRY Shown(const Device &d, uint32_t port) {
+    ZENTREL_SWITCH_PORT_ENTRY e = d.ports.ports[port];
+    if (d.topology.disabled[port] != 0) {
+        e.NegotiatedLinkWidth = 0;
+        e.ActiveLanes = 0;
+    }
+    return e;
+}
+
 }  // namespace
 
 extern const ModelPart kPortsPart = {
@@ -516,7 +526,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetPciePortProperties(PTR_ZENTREL_DEVICE
     if (!call.Proceed()) return call.Result();
     if (Properties == nullptr) return call.Return(sim::kStatusInvalidParameter);
     memset(Properties, 0, sizeof *Properties);
-    memcpy(Properties->Ports, call.Target().ports.ports, sizeof Properties->Ports);
+    for (uint32_t port = 0; port < ZENTREL_PORT_COUNT; ++port) Properties->Ports[port] = sim::Shown(call.Target(), port);
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
@@ -530,7 +540,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetSinglePortPciePortProperties(PTR_ZENT
     const sim::PortsModel &m = call.Target().ports;
     if (Properties == nullptr || !sim::PortExists(m, Port)) return call.Return(sim::kStatusInvalidParameter);
     memset(Properties, 0, sizeof *Properties);
-    Properties->Ports[Port] = m.ports[Port];
+    Properties->Ports[Port] = sim::Shown(call.Target(), Port);
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
@@ -543,7 +553,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetPciPortErrorStatistics(PTR_ZENTREL_DE
     if (!call.Proceed()) return call.Result();
     const sim::PortsModel &m = call.Target().ports;
     if (Statistics == nullptr || !sim::PortExists(m, Port)) return call.Return(sim::kStatusInvalidParameter);
-    const ZENTREL_SWITCH_PORT_ENTRY &e = m.ports[Port];
+    const ZENTREL_SWITCH_PORT_ENTRY e = sim::Shown(call.Target(), Port);
     *Statistics = m.errors[Port];
     Statistics->StationNumber = static_cast<uint8_t>(Port / ZENTREL_STATION_LANES);
     Statistics->StationPort = static_cast<uint8_t>(Port % ZENTREL_STATION_LANES);

@@ -14,6 +14,7 @@
 #include "security_model.h"
 #include "settings_model.h"
 #include "status_model.h"
+#include "topology_model.h"
 #include "zentrel.h"
 
 namespace sim {
@@ -39,6 +40,7 @@ struct Device {
     SecurityModel security;
     PortsModel ports;
     DumpsModel dumps;
+    TopologyModel topology;
 };
 
 struct Injection {
@@ -87,6 +89,7 @@ struct ModelPart {
 };
 
 extern const ModelPart kFrontendPart, kSettingsPart, kStatusPart, kImagesPart, kSecurityPart, kPortsPart, kDumpsPart;
+extern const ModelPart kTopologyPart;
 // Every part, in the order their defaults and keys apply; ends with null.
 extern const ModelPart *const kModelParts[];
 

@@ -11,6 +11,7 @@
 #include "ports/ports.h"
 #include "settings/settings.h"
 #include "status/status.h"
+#include "topology/topology.h"
 
 namespace {
 
@@ -85,6 +86,7 @@ const CommandRow kCommandTable[] = {
     {"-resetpktramerr", ResetPacketRamErrors, 0},
     {"-resetporterr", ResetPortErrors, 0},
     {"-ver", GetVersions, 0},
+    {"-bindoption", BindVdsp, 0},
     {"-spdminfo", GetSpdmInfo, 0},
     {"-spdmslotinfo", GetSpdmSlotInfo, 0},
     {"-spdmexport", SpdmExportCsr, 0},
@@ -97,12 +99,18 @@ const CommandRow kCommandTable[] = {
     {"-SetHealthCfg", SetHealthConfig, 0},
     {"-GetHealthCfg", GetHealthConfig, 0},
     {"-swsettime", SetSwitchTime, 0},
+    {"-GetPciCap", GetPciCapabilities, 0},
     {"-SetTagSbTimeout", SetTagSbTimeout, 0},
     {"-GetTagSbTimeout", GetTagSbTimeout, 0},
     {"-GetSecBootInfo", GetSecureBootInfo, 0},
     {"-GetSpdmSecInfo", GetSpdmSecureInfo, 0},
+    {"-GetDSAllDevInfo", GetDownstreamDevices, 0},
+    {"-SwProp", GetSwitchProperties, 0},
     {"-sbrmfgcfg", ConfigureSbrMfg, 0},
+    {"-GetMpiMgmtPage", GetMpiMgmtPage, 0},
+    {"-SetMpiMgmtPage", SetMpiMgmtPage, 0},
     {"-GetWaferInfo", GetWaferInfo, 0},
+    {"-GetPortAttr", GetPortAttributes, 0},
     {"-downloadCfgPage", DownloadCfgPage, 0},
     {"-dl", DownloadFirmware, 0},
     {"-pldm", DownloadPldmFirmware, 0},

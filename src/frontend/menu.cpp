@@ -9,6 +9,7 @@
 #include "ports/ports.h"
 #include "settings/settings.h"
 #include "status/status.h"
+#include "topology/topology.h"
 
 namespace {
 
@@ -245,6 +246,39 @@ void RunOption(uint32_t choice, PTR_ZENTREL_DEVICE_INFO info) {
         break;
     case 128:
         DownloadCfgPage(device, nullptr, info);
+        break;
+    case 49:
+        BindVdsp(device, nullptr, info);
+        break;
+    case 56:
+        ReadHostPortVdspInfo(device);
+        break;
+    case 59:
+        ReadPortCsr(device);
+        break;
+    case 60:
+        WritePortCsr(device);
+        break;
+    case 61:
+        ControlPort(device);
+        break;
+    case 85:
+        GetPciCapabilities(device, nullptr, info);
+        break;
+    case 102:
+        GetDownstreamDevices(device, nullptr, info);
+        break;
+    case 109:
+        GetSwitchProperties(device, nullptr, info);
+        break;
+    case 113:
+        GetMpiMgmtPage(device, nullptr, info);
+        break;
+    case 114:
+        SetMpiMgmtPage(device, nullptr, info);
+        break;
+    case 125:
+        GetPortAttributes(device, nullptr, info);
         break;
     case 4:
     case 43:
