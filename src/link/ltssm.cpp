@@ -108,6 +108,22 @@ bool RunsMonitor(uint32_t generation) {
     return generation == kGenerationLow || generation == kGenerationHigh;
 }
 
+// The address and byte count of a memory read or write, and a zeroed buffer
+// of that many bytes; null after the message when it cannot be allocated.
+// A negative count cannot be allocated on the controller; it is refused
+// without trying.
+uint8_t *AskMemoryRange(const char *countPrompt, uint32_t *address, int32_t *count) {
+    printf("Input Memory Address: 0x");
+    FlushInput();
+    ScanHex(address);
+    printf("%s", countPrompt);
+    FlushInput();
+    ScanDecimal(count);
+    auto *buffer = *count < 0 ? nullptr : static_cast<uint8_t *>(AllocZeroed(static_cast<size_t>(*count)));
+    if (buffer == nullptr) printf("- unable to allocate buffer\n");
+    return buffer;
+}
+
 }  // namespace
 
 uint32_t LtssmPoll(PTR_ZENTREL_DEVICE device, const char *const *words, PTR_ZENTREL_DEVICE_INFO) {
@@ -320,22 +336,11 @@ uint32_t LtssmMonitorQuery(PTR_ZENTREL_DEVICE device, const char *const *words, 
     return 0;
 }
 
-// A negative count cannot be allocated on the controller; it is refused as
-// a failed allocation without trying.
 uint32_t SwitchMemoryReadMenu(PTR_ZENTREL_DEVICE device, const char *const *, PTR_ZENTREL_DEVICE_INFO) {
     uint32_t address = 0;
     int32_t count = 0;
-    printf("Input Memory Address: 0x");
-    FlushInput();
-    ScanHex(&address);
-    printf("Input how many bytes to read: ");
-    FlushInput();
-    ScanDecimal(&count);
-    auto *buffer = count < 0 ? nullptr : static_cast<uint8_t *>(AllocZeroed(static_cast<size_t>(count)));
-    if (buffer == nullptr) {
-        printf("- unable to allocate buffer\n");
-        return 1;
-    }
+    uint8_t *buffer = AskMemoryRange("Input how many bytes to read: ", &address, &count);
+    if (buffer == nullptr) return 1;
     ZENTREL_STATUS status = ZentrelSwitchMemoryRead(device, address, buffer, static_cast<uint32_t>(count));
     if (status != ZENTREL_STATUS_SUCCESS) {
         printf(" failed with status %x\n", status);
@@ -352,17 +357,8 @@ uint32_t SwitchMemoryReadMenu(PTR_ZENTREL_DEVICE device, const char *const *, PT
 uint32_t SwitchMemoryWriteMenu(PTR_ZENTREL_DEVICE device) {
     uint32_t address = 0;
     int32_t count = 0;
-    printf("Input Memory Address: 0x");
-    FlushInput();
-    ScanHex(&address);
-    printf("Input how many bytes to be written: ");
-    FlushInput();
-    ScanDecimal(&count);
-    auto *buffer = count < 0 ? nullptr : static_cast<uint8_t *>(AllocZeroed(static_cast<size_t>(count)));
-    if (buffer == nullptr) {
-        printf("- unable to allocate buffer\n");
-        return 1;
-    }
+    uint8_t *buffer = AskMemoryRange("Input how many bytes to be written: ", &address, &count);
+    if (buffer == nullptr) return 1;
     for (int32_t i = 0; i < count; ++i) {
         printf("input the %d byte to be written: 0x", static_cast<int>(i));
         FlushInput();

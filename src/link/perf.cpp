@@ -123,6 +123,19 @@ void AskCommon(PerfRequest *r) {
     if (r->doStatistic != 0) r->elapsedMs = Ask("Input the statistic time interval(ms):");
 }
 
+// The first two words, the same in both modes.
+bool ParseLoopAndDelay(const char *const *words, PerfRequest *r) {
+    if (ParseDecimal(WordAt(words, 0), &r->loops) != 0) {
+        printf("failed to get loop count\n");
+        return false;
+    }
+    if (ParseDecimal(WordAt(words, 1), &r->delayMs) != 0) {
+        printf("failed to get timeDelayMs\n");
+        return false;
+    }
+    return true;
+}
+
 uint32_t Delay(int32_t ms) {
     return ms < 0 ? 0u : static_cast<uint32_t>(ms);
 }
@@ -143,14 +156,7 @@ uint32_t SamplingMode(PTR_ZENTREL_DEVICE device, const char *const *words) {
                    "<statisticElapsedTimeMs> <perfcounter>(1-64Bit/0-32Bit)\n");
             return 0;
         }
-        if (ParseDecimal(WordAt(words, 0), &r.loops) != 0) {
-            printf("failed to get loop count\n");
-            return 1;
-        }
-        if (ParseDecimal(WordAt(words, 1), &r.delayMs) != 0) {
-            printf("failed to get timeDelayMs\n");
-            return 1;
-        }
+        if (!ParseLoopAndDelay(words, &r)) return 1;
         if (ParseDecimal(WordAt(words, 2), &r.doStatistic) != 0 || ParseDecimal(WordAt(words, 3), &r.elapsedMs) != 0 ||
             ParseDecimal(WordAt(words, 4), &r.wide) != 0) {
             printf("failed to get perfcounter 64/32\n");
@@ -196,14 +202,7 @@ uint32_t StartStopMode(PTR_ZENTREL_DEVICE device, const char *const *words) {
                    "<statisticElapsedTimeMs>(if doStatistic)\n");
             return 0;
         }
-        if (ParseDecimal(WordAt(words, 0), &r.loops) != 0) {
-            printf("failed to get loop count\n");
-            return 1;
-        }
-        if (ParseDecimal(WordAt(words, 1), &r.delayMs) != 0) {
-            printf("failed to get timeDelayMs\n");
-            return 1;
-        }
+        if (!ParseLoopAndDelay(words, &r)) return 1;
         if (ParseDecimal(WordAt(words, 2), &r.doStatistic) != 0) {
             printf("failed to get doStatistic\n");
             return 1;
