@@ -11,5 +11,6 @@
 #include "zentrel_security.h"
 #include "zentrel_dumps.h"
 #include "zentrel_topology.h"
+#include "zentrel_link.h"
 
 #endif

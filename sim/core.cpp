@@ -177,7 +177,19 @@ void Append(std::string &args, const char *name, const std::string &value) {
 
 }  // namespace
 
-const ModelPart *const kModelParts[] = {&kFrontendPart, &kSettingsPart, &kStatusPart, &kImagesPart, &kSecurityPart, &kPortsPart, &kDumpsPart, &kTopologyPart, nullptr};
+// One row a part of the model, one line each (a new part adds one line).
+const ModelPart *const kModelParts[] = {
+    &kFrontendPart,
+    &kSettingsPart,
+    &kStatusPart,
+    &kImagesPart,
+    &kSecurityPart,
+    &kPortsPart,
+    &kDumpsPart,
+    &kTopologyPart,
+    &kLinkPart,
+    nullptr,
+};
 
 bool ApplyDeviceKeys(Device &device, const Json &keys, Problem *error) {
     if (!keys.is_object()) {

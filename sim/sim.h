@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "images_model.h"
+#include "link_model.h"
 #include "ports_model.h"
 #include "dumps_model.h"
 #include "reader.h"
@@ -41,6 +42,7 @@ struct Device {
     PortsModel ports;
     DumpsModel dumps;
     TopologyModel topology;
+    LinkModel link;
 };
 
 struct Injection {
@@ -90,6 +92,7 @@ struct ModelPart {
 
 extern const ModelPart kFrontendPart, kSettingsPart, kStatusPart, kImagesPart, kSecurityPart, kPortsPart, kDumpsPart;
 extern const ModelPart kTopologyPart;
+extern const ModelPart kLinkPart;
 // Every part, in the order their defaults and keys apply; ends with null.
 extern const ModelPart *const kModelParts[];
 

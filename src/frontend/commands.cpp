@@ -7,6 +7,7 @@
 #include "dumps/dumps.h"
 #include "helpers.h"
 #include "images/images.h"
+#include "link/link.h"
 #include "security/security.h"
 #include "ports/ports.h"
 #include "settings/settings.h"
@@ -81,6 +82,9 @@ const CommandRow kCommandTable[] = {
     {"-gethealth", NotSupported<0>, 0},
     {"-getswlogs", NotSupported<9>, 0},
     {"-healthcheck", NotSupported<9>, 0},
+    {"-ltssm", LtssmPoll, 0},
+    {"-swperf", PortPerformanceTest, 0},
+    {"-ltssmtrace", LtssmTrace, 0},
     {"-swerr", GetPortErrors, 0},
     {"-swpktramerr", GetPacketRamErrors, 0},
     {"-resetpktramerr", ResetPacketRamErrors, 0},
@@ -107,6 +111,8 @@ const CommandRow kCommandTable[] = {
     {"-GetDSAllDevInfo", GetDownstreamDevices, 0},
     {"-SwProp", GetSwitchProperties, 0},
     {"-sbrmfgcfg", ConfigureSbrMfg, 0},
+    {"-SetSwitchLtssmMonitor", LtssmMonitorSetup, 0},
+    {"-IsLtssmTriggered", LtssmMonitorQuery, 0},
     {"-GetMpiMgmtPage", GetMpiMgmtPage, 0},
     {"-SetMpiMgmtPage", SetMpiMgmtPage, 0},
     {"-GetWaferInfo", GetWaferInfo, 0},

@@ -5,6 +5,7 @@
 #include "images/images.h"
 #include "dumps/dumps.h"
 #include "input.h"
+#include "link/link.h"
 #include "security/security.h"
 #include "ports/ports.h"
 #include "settings/settings.h"
@@ -115,6 +116,21 @@ void RunOption(uint32_t choice, PTR_ZENTREL_DEVICE_INFO info) {
         break;
     case 18:
         GetCcrStatus(device, noWords, info);
+        break;
+    case 23:
+        SwitchMemoryReadMenu(device, noWords, info);
+        break;
+    case 24:
+        SwitchMemoryWriteMenu(device);
+        break;
+    case 29:
+        LtssmPollMenu(device);
+        break;
+    case 30:
+        PortPerformanceTest(device, nullptr, info);
+        break;
+    case 31:
+        LtssmTrace(device, nullptr, info);
         break;
     case 33:
         GetPacketRamErrors(device, noWords, info);
@@ -243,6 +259,12 @@ void RunOption(uint32_t choice, PTR_ZENTREL_DEVICE_INFO info) {
         break;
     case 124:
         GetCoreDumpTrigger(device, nullptr, info);
+        break;
+    case 111:
+        LtssmMonitorSetup(device, nullptr, info);
+        break;
+    case 112:
+        LtssmMonitorQuery(device, nullptr, info);
         break;
     case 128:
         DownloadCfgPage(device, nullptr, info);

@@ -46,7 +46,7 @@ TEST(Docs, CompletionOffersEveryCommandWordAfterAnIndex) {
     std::set<std::string> expected = TableWords();
     expected.insert({"-addr", "-bus", "-dev", "-func"});
     EXPECT_EQ(Complete("zentrelLibTest -i 0 ''", 3), expected);
-    EXPECT_EQ(Complete("zentrelLibTest -i 0 -swp", 3), (std::set<std::string>{"-swpktramerr"}));
+    EXPECT_EQ(Complete("zentrelLibTest -i 0 -resetp", 3), (std::set<std::string>{"-resetporterr", "-resetpktramerr"}));
 }
 
 TEST(Docs, CompletionOffersTheTopLevelOptionsFirst) {
