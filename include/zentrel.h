@@ -10,5 +10,6 @@
 #include "zentrel_images.h"
 #include "zentrel_security.h"
 #include "zentrel_dumps.h"
+#include "zentrel_phy.h"
 
 #endif

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "images_model.h"
+#include "phy_model.h"
 #include "ports_model.h"
 #include "dumps_model.h"
 #include "reader.h"
@@ -39,6 +40,7 @@ struct Device {
     SecurityModel security;
     PortsModel ports;
     DumpsModel dumps;
+    PhyModel phy;
 };
 
 struct Injection {
@@ -87,6 +89,7 @@ struct ModelPart {
 };
 
 extern const ModelPart kFrontendPart, kSettingsPart, kStatusPart, kImagesPart, kSecurityPart, kPortsPart, kDumpsPart;
+extern const ModelPart kPhyPart;
 // Every part, in the order their defaults and keys apply; ends with null.
 extern const ModelPart *const kModelParts[];
 

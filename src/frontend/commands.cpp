@@ -8,6 +8,7 @@
 #include "helpers.h"
 #include "images/images.h"
 #include "security/security.h"
+#include "phy/phy.h"
 #include "ports/ports.h"
 #include "settings/settings.h"
 #include "status/status.h"
@@ -76,15 +77,21 @@ const CommandRow kCommandTable[] = {
     {"-portprop", GetPortProperties, 0},
     {"-getccr", GetCcrStatus, 0},
     {"-getpos", GetPowerOnSense, 0},
+    {"-rxeq", RxEqStatus, 0},
+    {"-txcoeff", TxCoefficients, 0},
     {"-sweye", NotSupported<9>, 0},
+    {"-hweye", HardwareEyeScan, 0},
     {"-gethealth", NotSupported<0>, 0},
     {"-getswlogs", NotSupported<9>, 0},
+    {"-getlmcap", LaneMarginCapabilities, 0},
+    {"-perflm", LaneMarginRun, 0},
     {"-healthcheck", NotSupported<9>, 0},
     {"-swerr", GetPortErrors, 0},
     {"-swpktramerr", GetPacketRamErrors, 0},
     {"-resetpktramerr", ResetPacketRamErrors, 0},
     {"-resetporterr", ResetPortErrors, 0},
     {"-ver", GetVersions, 0},
+    {"-prbs", PrbsTest, 0},
     {"-spdminfo", GetSpdmInfo, 0},
     {"-spdmslotinfo", GetSpdmSlotInfo, 0},
     {"-spdmexport", SpdmExportCsr, 0},
@@ -99,6 +106,7 @@ const CommandRow kCommandTable[] = {
     {"-swsettime", SetSwitchTime, 0},
     {"-SetTagSbTimeout", SetTagSbTimeout, 0},
     {"-GetTagSbTimeout", GetTagSbTimeout, 0},
+    {"-GetSerdesInfo", SerdesInfo, 0},
     {"-GetSecBootInfo", GetSecureBootInfo, 0},
     {"-GetSpdmSecInfo", GetSpdmSecureInfo, 0},
     {"-sbrmfgcfg", ConfigureSbrMfg, 0},

@@ -6,6 +6,7 @@
 #include "dumps/dumps.h"
 #include "input.h"
 #include "security/security.h"
+#include "phy/phy.h"
 #include "ports/ports.h"
 #include "settings/settings.h"
 #include "status/status.h"
@@ -109,14 +110,26 @@ void RunOption(uint32_t choice, PTR_ZENTREL_DEVICE_INFO info) {
     case 10:
         GetPortProperties(device, nullptr, info);
         break;
+    case 15:
+        LaneMarginCapabilities(device, nullptr, info);
+        break;
+    case 16:
+        LaneMarginRun(device, nullptr, info);
+        break;
     case 17:
         GetPowerOnSense(device, noWords, info);
         break;
     case 18:
         GetCcrStatus(device, noWords, info);
         break;
+    case 21:
+        HardwareEyeScan(device, noWords, info);
+        break;
     case 33:
         GetPacketRamErrors(device, noWords, info);
+        break;
+    case 35:
+        PrbsTest(device, nullptr, info);
         break;
     case 38:
         ResetPacketRamErrors(device, noWords, info);
@@ -200,6 +213,9 @@ void RunOption(uint32_t choice, PTR_ZENTREL_DEVICE_INFO info) {
         break;
     case 89:
         GetLibParameters(device);
+        break;
+    case 95:
+        SerdesInfo(device, nullptr, info);
         break;
     case 96:
         GetTagSbTimeout(device, nullptr, info);
