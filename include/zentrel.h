@@ -12,5 +12,6 @@
 #include "zentrel_dumps.h"
 #include "zentrel_topology.h"
 #include "zentrel_link.h"
+#include "zentrel_phy.h"
 
 #endif

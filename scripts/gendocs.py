@@ -74,7 +74,8 @@ def readme_rows(readme):
     for line in section.group(1).splitlines():
         if not line.startswith("| ") or line.startswith("| command |"):
             continue
-        cells = [c.strip() for c in line.strip().strip("|").split("|")]
+        # A "|" inside a cell is written "\\|".
+        cells = [c.strip().replace("\\|", "|") for c in re.split(r"(?<!\\)\|", line.strip()[1:-1])]
         if len(cells) != 3:
             raise Failure(f"{readme}: a command row without three cells: {line}")
         rows.append(tuple(cells))

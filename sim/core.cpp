@@ -188,6 +188,7 @@ const ModelPart *const kModelParts[] = {
     &kDumpsPart,
     &kTopologyPart,
     &kLinkPart,
+    &kPhyPart,
     nullptr,
 };
 

@@ -9,6 +9,7 @@
 
 #include "images_model.h"
 #include "link_model.h"
+#include "phy_model.h"
 #include "ports_model.h"
 #include "dumps_model.h"
 #include "reader.h"
@@ -43,6 +44,7 @@ struct Device {
     DumpsModel dumps;
     TopologyModel topology;
     LinkModel link;
+    PhyModel phy;
 };
 
 struct Injection {
@@ -93,6 +95,7 @@ struct ModelPart {
 extern const ModelPart kFrontendPart, kSettingsPart, kStatusPart, kImagesPart, kSecurityPart, kPortsPart, kDumpsPart;
 extern const ModelPart kTopologyPart;
 extern const ModelPart kLinkPart;
+extern const ModelPart kPhyPart;
 // Every part, in the order their defaults and keys apply; ends with null.
 extern const ModelPart *const kModelParts[];
 

@@ -9,6 +9,7 @@
 #include "images/images.h"
 #include "link/link.h"
 #include "security/security.h"
+#include "phy/phy.h"
 #include "ports/ports.h"
 #include "settings/settings.h"
 #include "status/status.h"
@@ -78,9 +79,14 @@ const CommandRow kCommandTable[] = {
     {"-portprop", GetPortProperties, 0},
     {"-getccr", GetCcrStatus, 0},
     {"-getpos", GetPowerOnSense, 0},
+    {"-rxeq", RxEqStatus, 0},
+    {"-txcoeff", TxCoefficients, 0},
     {"-sweye", NotSupported<9>, 0},
+    {"-hweye", HardwareEyeScan, 0},
     {"-gethealth", NotSupported<0>, 0},
     {"-getswlogs", NotSupported<9>, 0},
+    {"-getlmcap", LaneMarginCapabilities, 0},
+    {"-perflm", LaneMarginRun, 0},
     {"-healthcheck", NotSupported<9>, 0},
     {"-ltssm", LtssmPoll, 0},
     {"-swperf", PortPerformanceTest, 0},
@@ -90,6 +96,7 @@ const CommandRow kCommandTable[] = {
     {"-resetpktramerr", ResetPacketRamErrors, 0},
     {"-resetporterr", ResetPortErrors, 0},
     {"-ver", GetVersions, 0},
+    {"-prbs", PrbsTest, 0},
     {"-bindoption", BindVdsp, 0},
     {"-spdminfo", GetSpdmInfo, 0},
     {"-spdmslotinfo", GetSpdmSlotInfo, 0},
@@ -106,6 +113,7 @@ const CommandRow kCommandTable[] = {
     {"-GetPciCap", GetPciCapabilities, 0},
     {"-SetTagSbTimeout", SetTagSbTimeout, 0},
     {"-GetTagSbTimeout", GetTagSbTimeout, 0},
+    {"-GetSerdesInfo", SerdesInfo, 0},
     {"-GetSecBootInfo", GetSecureBootInfo, 0},
     {"-GetSpdmSecInfo", GetSpdmSecureInfo, 0},
     {"-GetDSAllDevInfo", GetDownstreamDevices, 0},

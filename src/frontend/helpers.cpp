@@ -163,16 +163,19 @@ int DumpHex(FILE *stream, const uint8_t *bytes, int32_t count) {
     return count;
 }
 
-void SleepMs(uint32_t milliseconds) {
+void SleepUs(uint64_t microseconds) {
     // What was printed shows while the utility waits.
     FlushOutput();
     // usleep takes at most a second at a time on some C libraries.
-    uint64_t us = 1000ULL * milliseconds;
-    while (us > 0) {
-        useconds_t step = us > 500000 ? 500000 : static_cast<useconds_t>(us);
+    while (microseconds > 0) {
+        useconds_t step = microseconds > 500000 ? 500000 : static_cast<useconds_t>(microseconds);
         usleep(step);
-        us -= step;
+        microseconds -= step;
     }
+}
+
+void SleepMs(uint32_t milliseconds) {
+    SleepUs(1000ULL * milliseconds);
 }
 
 bool WantsUsage(const char *const *words) {

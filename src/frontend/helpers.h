@@ -27,6 +27,8 @@ int WriteBufferToFile(FILE *stream, const void *buffer, uint32_t count);
 void *AllocZeroed(size_t size);
 void FreeBuffer(void *buffer);
 int DumpHex(FILE *stream, const uint8_t *bytes, int32_t count);
+// Both write out what was printed before they wait.
+void SleepUs(uint64_t microseconds);
 void SleepMs(uint32_t milliseconds);
 
 // A text field of a record, which need not be terminated, copied into a

@@ -7,6 +7,7 @@
 #include "input.h"
 #include "link/link.h"
 #include "security/security.h"
+#include "phy/phy.h"
 #include "ports/ports.h"
 #include "settings/settings.h"
 #include "status/status.h"
@@ -111,11 +112,20 @@ void RunOption(uint32_t choice, PTR_ZENTREL_DEVICE_INFO info) {
     case 10:
         GetPortProperties(device, nullptr, info);
         break;
+    case 15:
+        LaneMarginCapabilities(device, nullptr, info);
+        break;
+    case 16:
+        LaneMarginRun(device, nullptr, info);
+        break;
     case 17:
         GetPowerOnSense(device, noWords, info);
         break;
     case 18:
         GetCcrStatus(device, noWords, info);
+        break;
+    case 21:
+        HardwareEyeScan(device, noWords, info);
         break;
     case 23:
         SwitchMemoryReadMenu(device, noWords, info);
@@ -134,6 +144,9 @@ void RunOption(uint32_t choice, PTR_ZENTREL_DEVICE_INFO info) {
         break;
     case 33:
         GetPacketRamErrors(device, noWords, info);
+        break;
+    case 35:
+        PrbsTest(device, nullptr, info);
         break;
     case 38:
         ResetPacketRamErrors(device, noWords, info);
@@ -217,6 +230,9 @@ void RunOption(uint32_t choice, PTR_ZENTREL_DEVICE_INFO info) {
         break;
     case 89:
         GetLibParameters(device);
+        break;
+    case 95:
+        SerdesInfo(device, nullptr, info);
         break;
     case 96:
         GetTagSbTimeout(device, nullptr, info);

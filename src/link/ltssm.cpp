@@ -17,15 +17,6 @@ const char kDumpDirectory[] = "switchltssm/";
 constexpr int32_t kDefaultPollCount = 10;
 constexpr uint32_t kGenerationLow = 2, kGenerationHigh = 3;
 
-// usleep in steps that every C library accepts.
-void SleepUs(uint32_t microseconds) {
-    while (microseconds > 0) {
-        useconds_t step = microseconds > 500000 ? 500000 : microseconds;
-        usleep(step);
-        microseconds -= step;
-    }
-}
-
 // A negative interval or delay waits not at all rather than for ages.
 uint32_t NotNegative(int32_t value) {
     return value < 0 ? 0u : static_cast<uint32_t>(value);
