@@ -177,7 +177,7 @@ void Append(std::string &args, const char *name, const std::string &value) {
 
 }  // namespace
 
-const ModelPart *const kModelParts[] = {&kFrontendPart, &kSettingsPart, &kStatusPart, &kImagesPart, &kSecurityPart, &kPortsPart, &kDumpsPart, nullptr};
+const ModelPart *const kModelParts[] = {&kFrontendPart, &kSettingsPart, &kStatusPart, &kImagesPart, &kSecurityPart, &kPortsPart, &kDumpsPart, &kDebugTokenPart, nullptr};
 
 bool ApplyDeviceKeys(Device &device, const Json &keys, Problem *error) {
     if (!keys.is_object()) {

@@ -10,6 +10,7 @@
 #include "images_model.h"
 #include "ports_model.h"
 #include "dumps_model.h"
+#include "debugtoken_model.h"
 #include "reader.h"
 #include "security_model.h"
 #include "settings_model.h"
@@ -39,6 +40,7 @@ struct Device {
     SecurityModel security;
     PortsModel ports;
     DumpsModel dumps;
+    DebugTokenModel debugToken;
 };
 
 struct Injection {
@@ -87,6 +89,7 @@ struct ModelPart {
 };
 
 extern const ModelPart kFrontendPart, kSettingsPart, kStatusPart, kImagesPart, kSecurityPart, kPortsPart, kDumpsPart;
+extern const ModelPart kDebugTokenPart;
 // Every part, in the order their defaults and keys apply; ends with null.
 extern const ModelPart *const kModelParts[];
 

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "debugtoken/debugtoken.h"
 #include "discovery.h"
 #include "dumps/dumps.h"
 #include "helpers.h"
@@ -101,7 +102,13 @@ const CommandRow kCommandTable[] = {
     {"-GetTagSbTimeout", GetTagSbTimeout, 0},
     {"-GetSecBootInfo", GetSecureBootInfo, 0},
     {"-GetSpdmSecInfo", GetSpdmSecureInfo, 0},
+    {"-GetDebugToken", GetDebugToken, 0},
+    {"-EnableDebugToken", EnableDebugToken, 0},
+    {"-DisableDebugToken", DisableDebugToken, 0},
+    {"-GenerateDebugToken", GenerateDebugToken, 0},
+    {"-GetDebugTokenParmas", GetDebugTokenParams, 0},
     {"-sbrmfgcfg", ConfigureSbrMfg, 0},
+    {"-GetDebugPortCap", GetDebugPortCap, 0},
     {"-GetWaferInfo", GetWaferInfo, 0},
     {"-downloadCfgPage", DownloadCfgPage, 0},
     {"-dl", DownloadFirmware, 0},
