@@ -4,7 +4,7 @@
 #   scripts/deps.sh --arm    also the ARM cross compiler and user-mode emulator
 set -euo pipefail
 
-packages=(cmake make g++ python3 googletest nlohmann-json3-dev)
+packages=(cmake make g++ python3 googletest nlohmann-json3-dev openssl)
 if [ "${1:-}" = "--arm" ]; then
   packages+=(g++-arm-linux-gnueabihf qemu-user)
 fi
