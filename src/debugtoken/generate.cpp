@@ -111,8 +111,7 @@ uint32_t GeneratePrompted(PTR_ZENTREL_DEVICE device, ZENTREL_SWITCH_DEBUG_TOKEN_
     request->Operation = static_cast<uint32_t>(operation);
     // Each device index has its own claims file; a long index is cut.
     char claimsFile[kClaimsNameSize] = {};
-    if (snprintf(claimsFile, sizeof claimsFile, "cwt%d.txt", static_cast<int>(gSelectedDeviceIndex)) < 0)
-        return 1;
+    snprintf(claimsFile, sizeof claimsFile, "cwt%d.txt", static_cast<int>(gSelectedDeviceIndex));
     if (operation == 1) {
         request->AlgorithmId = AskWord("Enter alg-id                                                           :");
         request->Persist = AskByte("Persist this token on the device (1-Enable/0-Disable)                  :");
