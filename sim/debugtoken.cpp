@@ -262,7 +262,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetDebugToken(PTR_ZENTREL_DEVICE Device,
     if (!t.installed) return call.Return(sim::kStatusNoToken);
     memset(Claims, 0, sizeof *Claims);
     Claims->NumClaims = static_cast<uint16_t>(t.claims.size());
-    memcpy(Claims->Claims, t.claims.data(), t.claims.size() * sizeof t.claims[0]);
+    if (!t.claims.empty()) memcpy(Claims->Claims, t.claims.data(), t.claims.size() * sizeof t.claims[0]);
     *Filled = static_cast<uint32_t>(offsetof(ZENTREL_SWITCH_DEBUG_TOKEN_CLAIMS, Claims) + t.claims.size() * sizeof t.claims[0]);
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
