@@ -9,6 +9,7 @@
 #include "zentrel_status.h"
 #include "zentrel_images.h"
 #include "zentrel_security.h"
+#include "zentrel_debugtoken.h"
 #include "zentrel_dumps.h"
 #include "zentrel_topology.h"
 #include "zentrel_link.h"

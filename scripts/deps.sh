@@ -6,7 +6,7 @@
 #   (the flags combine)
 set -euo pipefail
 
-packages=(cmake make g++ python3 googletest nlohmann-json3-dev)
+packages=(cmake make g++ python3 googletest nlohmann-json3-dev openssl)
 for flag in "$@"; do
   case $flag in
     --arm) packages+=(g++-arm-linux-gnueabihf qemu-user) ;;

@@ -189,6 +189,7 @@ const ModelPart *const kModelParts[] = {
     &kTopologyPart,
     &kLinkPart,
     &kPhyPart,
+    &kDebugTokenPart,
     nullptr,
 };
 

@@ -12,6 +12,7 @@
 #include "phy_model.h"
 #include "ports_model.h"
 #include "dumps_model.h"
+#include "debugtoken_model.h"
 #include "reader.h"
 #include "security_model.h"
 #include "settings_model.h"
@@ -45,6 +46,7 @@ struct Device {
     TopologyModel topology;
     LinkModel link;
     PhyModel phy;
+    DebugTokenModel debugToken;
 };
 
 struct Injection {
@@ -96,6 +98,7 @@ extern const ModelPart kFrontendPart, kSettingsPart, kStatusPart, kImagesPart, k
 extern const ModelPart kTopologyPart;
 extern const ModelPart kLinkPart;
 extern const ModelPart kPhyPart;
+extern const ModelPart kDebugTokenPart;
 // Every part, in the order their defaults and keys apply; ends with null.
 extern const ModelPart *const kModelParts[];
 

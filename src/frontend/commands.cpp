@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "debugtoken/debugtoken.h"
 #include "discovery.h"
 #include "dumps/dumps.h"
 #include "helpers.h"
@@ -117,12 +118,18 @@ const CommandRow kCommandTable[] = {
     {"-GetSecBootInfo", GetSecureBootInfo, 0},
     {"-GetSpdmSecInfo", GetSpdmSecureInfo, 0},
     {"-GetDSAllDevInfo", GetDownstreamDevices, 0},
+    {"-GetDebugToken", GetDebugToken, 0},
+    {"-EnableDebugToken", EnableDebugToken, 0},
+    {"-DisableDebugToken", DisableDebugToken, 0},
+    {"-GenerateDebugToken", GenerateDebugToken, 0},
+    {"-GetDebugTokenParmas", GetDebugTokenParams, 0},
     {"-SwProp", GetSwitchProperties, 0},
     {"-sbrmfgcfg", ConfigureSbrMfg, 0},
     {"-SetSwitchLtssmMonitor", LtssmMonitorSetup, 0},
     {"-IsLtssmTriggered", LtssmMonitorQuery, 0},
     {"-GetMpiMgmtPage", GetMpiMgmtPage, 0},
     {"-SetMpiMgmtPage", SetMpiMgmtPage, 0},
+    {"-GetDebugPortCap", GetDebugPortCap, 0},
     {"-GetWaferInfo", GetWaferInfo, 0},
     {"-GetPortAttr", GetPortAttributes, 0},
     {"-downloadCfgPage", DownloadCfgPage, 0},

@@ -193,3 +193,7 @@ const char *WordAt(const char *const *words, size_t index) {
         if (words[i] == nullptr) return nullptr;
     return words[index];
 }
+
+const char *Shown(const char *text) {
+    return text != nullptr ? text : "(null)";
+}

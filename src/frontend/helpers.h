@@ -45,5 +45,7 @@ bool WantsUsage(const char *const *words);
 bool WantsUsageOrMissing(const char *const *words);
 // The word at position index, or null when the list ends before it.
 const char *WordAt(const char *const *words, size_t index);
+// A text for "%s": what the C library prints for an absent text.
+const char *Shown(const char *text);
 
 #endif

@@ -2,6 +2,7 @@
 
 #include <cstdio>
 
+#include "debugtoken/debugtoken.h"
 #include "images/images.h"
 #include "dumps/dumps.h"
 #include "input.h"
@@ -252,17 +253,35 @@ void RunOption(uint32_t choice, PTR_ZENTREL_DEVICE_INFO info) {
     case 101:
         GetOobParameters(device);
         break;
+    case 103:
+        GenerateDebugToken(device, nullptr, info);
+        break;
+    case 104:
+        EnableDebugToken(device, nullptr, info);
+        break;
+    case 105:
+        DisableDebugToken(device, nullptr, info);
+        break;
+    case 106:
+        GetDebugToken(device, nullptr, info);
+        break;
     case 110:
         ConfigureSbrMfg(device, nullptr, info);
         break;
     case 118:
         GpioControl(device, nullptr, info);
         break;
+    case 115:
+        GetDebugPortCap(device, nullptr, info);
+        break;
     case 116:
         GetCoreDumpInfo(device);
         break;
     case 117:
         GetCoreDumpSection(device);
+        break;
+    case 119:
+        GetDebugTokenParams(device, nullptr, info);
         break;
     case 121:
         GetWaferInfo(device, nullptr, info);

@@ -11,11 +11,6 @@ namespace {
 // Longest time-zone answer kept; only its first bytes reach the switch.
 constexpr size_t kTimeZoneText = 256;
 
-// What the C library prints for an absent text.
-const char *Shown(const char *word) {
-    return word != nullptr ? word : "(null)";
-}
-
 bool WordIs(const char *const *words, size_t index, const char *flag) {
     const char *word = WordAt(words, index);
     return word != nullptr && strcmp(word, flag) == 0;
