@@ -14,5 +14,6 @@
 #include "zentrel_topology.h"
 #include "zentrel_link.h"
 #include "zentrel_phy.h"
+#include "zentrel_designed.h"
 
 #endif
