@@ -11,16 +11,16 @@
 
 namespace {
 
+// The buffer the C library fills for standard output; 4096 bytes, as it
+// would choose for a pipe or a file.
 constexpr size_t kBufferSize = 4096;
-
 char gBuffer[kBufferSize];
-// Bytes gBuffer holds. Raised only after the bytes are copied in, so the
-// signal handler never writes a byte that is not there yet.
-volatile sig_atomic_t gUsed = 0;
+
 // Set while a thread writes the buffer out. That thread has the ending
 // signals blocked; a handler running in another thread waits for it.
 volatile sig_atomic_t gDraining = 0;
 bool gLineByLine = false;
+FILE *gStream = nullptr;
 
 void WriteAll(const char *bytes, size_t count) {
     while (count > 0) {
@@ -34,67 +34,49 @@ void WriteAll(const char *bytes, size_t count) {
     }
 }
 
-// Called with the stream locked (by the C library while printing, by
-// FlushOutput otherwise).
-void Drain() {
-    if (gUsed == 0) return;
+// The stream's write function: the C library calls it, with the stream
+// locked, to write out its buffer (or, for a large piece, the caller's
+// bytes directly after the buffer). The ending signals stay blocked until
+// the stream shows the written bytes as gone, so that a signal handler
+// never writes them a second time: the pending count is set to zero here,
+// before the C library does the same.
+ssize_t WriteOut(void *, const char *bytes, size_t count) {
     sigset_t ending, previous;
     sigemptyset(&ending);
     sigaddset(&ending, SIGINT);
     sigaddset(&ending, SIGQUIT);
     pthread_sigmask(SIG_BLOCK, &ending, &previous);
     gDraining = 1;
-    WriteAll(gBuffer, static_cast<size_t>(gUsed));
-    gUsed = 0;
+    WriteAll(bytes, count);
+    if (bytes == gStream->_IO_write_base) gStream->_IO_write_ptr = gStream->_IO_write_base;
     gDraining = 0;
     pthread_sigmask(SIG_SETMASK, &previous, nullptr);
-}
-
-ssize_t Gather(void *, const char *bytes, size_t count) {
-    const char *next = bytes;
-    size_t left = count;
-    while (left > 0) {
-        if (static_cast<size_t>(gUsed) == kBufferSize) Drain();
-        size_t room = kBufferSize - static_cast<size_t>(gUsed);
-        size_t part = left < room ? left : room;
-        memcpy(gBuffer + gUsed, next, part);
-        gUsed = static_cast<sig_atomic_t>(gUsed + part);
-        next += part;
-        left -= part;
-    }
-    if (gLineByLine && memchr(bytes, '\n', count) != nullptr) Drain();
     return static_cast<ssize_t>(count);
-}
-
-void FlushAtExit() {
-    FlushOutput();
 }
 
 }  // namespace
 
 void StartBufferedOutput() {
-    cookie_io_functions_t functions = {nullptr, Gather, nullptr, nullptr};
+    gLineByLine = isatty(STDOUT_FILENO) != 0;
+    cookie_io_functions_t functions = {nullptr, WriteOut, nullptr, nullptr};
     FILE *stream = fopencookie(nullptr, "w", functions);
-    if (stream == nullptr) {
+    if (stream == nullptr || setvbuf(stream, gBuffer, gLineByLine ? _IOLBF : _IOFBF, kBufferSize) != 0) {
         // Unbuffered output still keeps every promise, only slower.
+        if (stream != nullptr) fclose(stream);
         setvbuf(stdout, nullptr, _IONBF, 0);
         return;
     }
-    // The stream hands every printf to Gather at once; the buffering is ours.
-    setvbuf(stream, nullptr, _IONBF, 0);
     fflush(stdout);
-    gLineByLine = isatty(STDOUT_FILENO) != 0;
+    gStream = stream;
     stdout = stream;
-    atexit(FlushAtExit);
 }
 
 void FlushOutput() {
-    flockfile(stdout);
-    Drain();
-    funlockfile(stdout);
+    fflush(stdout);
 }
 
 void WritePendingOutput() {
+    if (gStream == nullptr) return;  // unbuffered: nothing is pending
     // Another thread writing the buffer out finishes first (for at most a
     // fifth of a second, in case its write is stuck on a stopped terminal).
     timespec start, now;
@@ -103,6 +85,9 @@ void WritePendingOutput() {
         clock_gettime(CLOCK_MONOTONIC, &now);
         if ((now.tv_sec - start.tv_sec) * 1000000000L + (now.tv_nsec - start.tv_nsec) > 200000000L) return;
     }
-    WriteAll(gBuffer, static_cast<size_t>(gUsed));
-    gUsed = 0;
+    // The C library moves the write pointer only after it has copied the
+    // bytes in, so everything before it is complete.
+    const char *base = gStream->_IO_write_base;
+    const char *end = gStream->_IO_write_ptr;
+    if (base != nullptr && end > base) WriteAll(base, static_cast<size_t>(end - base));
 }

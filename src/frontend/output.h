@@ -3,13 +3,16 @@
 //
 // Scripts run the utility in loops, often over a slow console, and one
 // write(2) for every printf is what they would pay for most. So standard
-// output is a stream that gathers what is printed in a buffer of our own
-// and writes it out when the buffer is full (4096 bytes, as the C library
-// buffers a pipe or a file), before standard input is read, before a wait,
-// and at exit; on a terminal, also at the end of every line. Because the
-// buffer is ours, not the C library's, the signal handler can write out
-// what is still pending with write(2) alone and then its message: the
-// order is kept, and nothing it calls is unsafe in a signal handler.
+// output is a stream with a 4096-byte buffer (as the C library gives a pipe
+// or a file), written out when it is full, before standard input is read,
+// before a wait, and at exit; on a terminal, also at the end of every line.
+// The signal handler writes out what is still pending with write(2) alone,
+// reading the stream's fill pointers (GNU C library fields, which the
+// pointers are moved by only after the bytes are in place), then its
+// message: the order is kept, and nothing it calls is unsafe in a signal
+// handler. The stream's own write function keeps the ending signals
+// blocked until the bytes it wrote are no longer counted as pending, so no
+// byte is written twice.
 #ifndef ZENTRELLIBTEST_OUTPUT_H
 #define ZENTRELLIBTEST_OUTPUT_H
 
