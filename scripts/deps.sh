@@ -3,6 +3,7 @@
 #   scripts/deps.sh          what the native build and tests need
 #   scripts/deps.sh --arm    also the ARM cross compiler and user-mode emulator
 #   scripts/deps.sh --package    also what builds and checks the Debian packages
+#   scripts/deps.sh --bench      also the benchmark's tools
 #   (the flags combine)
 set -euo pipefail
 
@@ -11,6 +12,7 @@ for flag in "$@"; do
   case $flag in
     --arm) packages+=(g++-arm-linux-gnueabihf qemu-user) ;;
     --package) packages+=(lintian mandoc groff-base man-db gzip binutils) ;;
+    --bench) packages+=(hyperfine valgrind strace time) ;;
     *) echo "deps.sh: unknown flag $flag" >&2; exit 2 ;;
   esac
 done

@@ -5,7 +5,8 @@
 # packages of the native and ARM builds and checks them. Any failure fails
 # the run.
 #   scripts/test.sh            all of them
-#   scripts/test.sh native     only one of: native, sanitize, arm, package
+#   scripts/test.sh native     only one of: native, sanitize, arm, package, bench
+# Last, a quick benchmark prints its figures (it never fails the run).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 jobs=$(nproc)
@@ -16,6 +17,7 @@ want() { [ -z "$only" ] || [ "$only" = "$1" ]; }
 flags=()
 want arm && flags+=(--arm)
 want package && flags+=(--arm --package)
+want bench && flags+=(--bench)
 scripts/deps.sh "${flags[@]}"
 
 build() {
@@ -40,5 +42,11 @@ if want package; then
   # Packages are made from the builds above; alone, this run builds them.
   [ -n "$only" ] && build "${native[@]}" && build "${arm[@]}"
   scripts/package-check.sh build-test build-arm
+fi
+# The benchmark's figures, for the log: noise on a shared machine is not a
+# failure, so neither is a ratio above its goal.
+if want bench; then
+  echo "=== benchmark (quick)"
+  bench/run.sh --quick || echo "the benchmark did not run to its end (not counted as a failure)"
 fi
 echo "all test runs passed"
