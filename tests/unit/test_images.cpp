@@ -10,6 +10,7 @@
 #include <unistd.h>
 #include <vector>
 
+#include "fresh_simulator.h"
 #include "capture.h"
 #include "images/images.h"
 #include "zentrel.h"
@@ -41,16 +42,8 @@ std::vector<uint8_t> Image(const char *magic, uint32_t version, uint32_t deviceI
     return image;
 }
 
-class Images : public testing::Test {
+class Images : public FreshSimulator {
 protected:
-    void SetUp() override {
-        unsetenv("ZENTREL_SIM_SCENARIO");
-        unsetenv("ZENTREL_SIM_STATE");
-        ZentrelExit();
-        ASSERT_EQ(ZentrelInitialize(), ZENTREL_STATUS_SUCCESS);
-    }
-    void TearDown() override { ZentrelExit(); }
-
     uint32_t FwVersion() {
         ZENTREL_DEVICE_INFO info;
         EXPECT_EQ(ZentrelGetDeviceInfo(0, ZENTREL_DEVICE_INFO_LENGTH, &info), ZENTREL_STATUS_SUCCESS);

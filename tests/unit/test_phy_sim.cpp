@@ -6,20 +6,13 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "fresh_simulator.h"
 #include "zentrel.h"
 
 namespace {
 
-class PhySimulator : public testing::Test {
+class PhySimulator : public FreshSimulator {
 protected:
-    void SetUp() override {
-        unsetenv("ZENTREL_SIM_SCENARIO");
-        unsetenv("ZENTREL_SIM_STATE");
-        ZentrelExit();
-        ASSERT_EQ(ZentrelInitialize(), ZENTREL_STATUS_SUCCESS);
-    }
-    void TearDown() override { ZentrelExit(); }
-
     ZENTREL_STATUS Prbs(uint32_t operation, uint32_t lane, uint32_t invert = 0, uint16_t sampleMsb = 8) {
         ZENTREL_SWITCH_PRBS_REQ r = {};
         r.Operation = operation;

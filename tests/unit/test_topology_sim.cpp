@@ -14,19 +14,13 @@
 
 #include <nlohmann/json.hpp>
 
+#include "fresh_simulator.h"
 #include "zentrel.h"
 
 namespace {
 
-class TopologySimulator : public testing::Test {
+class TopologySimulator : public FreshSimulator {
 protected:
-    void SetUp() override {
-        unsetenv("ZENTREL_SIM_SCENARIO");
-        unsetenv("ZENTREL_SIM_STATE");
-        ZentrelExit();
-        ASSERT_EQ(ZentrelInitialize(), ZENTREL_STATUS_SUCCESS);
-    }
-    void TearDown() override { ZentrelExit(); }
     ZENTREL_SWITCH_PORT_ENTRY Port(uint32_t port) {
         std::vector<uint8_t> raw(sizeof(ZENTREL_SWITCH_PORT_PROPERTIES));
         auto *p = reinterpret_cast<PTR_ZENTREL_SWITCH_PORT_PROPERTIES>(raw.data());
