@@ -190,6 +190,7 @@ const ModelPart *const kModelParts[] = {
     &kLinkPart,
     &kPhyPart,
     &kDebugTokenPart,
+    &kDesignedAPart,
     nullptr,
 };
 

@@ -499,7 +499,10 @@ bool PortExists(const PortsModel &m, uint32_t port) {
     return port < ZENTREL_PORT_COUNT && m.ports[port].Valid != 0;
 }
 
-// A port disabled by port control shows its link down.
+}  // namespace
+
+// A port whose link is held down (disabled by port control, or by a
+// link-down condition) shows its link down.
 ZENTREL_SWITCH_PORT_ENTRY Shown(const Device &d, uint32_t port) {
     ZENTREL_SWITCH_PORT_ENTRY e = d.ports.ports[port];
     if (d.topology.disabled[port] != 0) {
@@ -508,8 +511,6 @@ ZENTREL_SWITCH_PORT_ENTRY Shown(const Device &d, uint32_t port) {
     }
     return e;
 }
-
-}  // namespace
 
 extern const ModelPart kPortsPart = {
     "ports", kPortsFunctions, SetPortsDefaults, ApplyPortsKey, SavePorts, nullptr, nullptr, nullptr,

@@ -19,6 +19,12 @@ struct PortsModel {
     ZENTREL_SWITCH_PACKET_RAM_SOFT_ERROR_COUNT packetRam;
 };
 
+struct Device;
+
+// The port's entry as the switch reports it: a port whose link is held
+// down shows no width and no active lanes.
+ZENTREL_SWITCH_PORT_ENTRY Shown(const Device &d, uint32_t port);
+
 }  // namespace sim
 
 #endif

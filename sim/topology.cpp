@@ -506,7 +506,13 @@ int ApplyTopologyKey(Device &device, const std::string &key, const Json &value, 
         return Took(ReadNumberedList(value, "port", kLastPort, error, each(ReadCsrWrite)));
     }
     if (key == "mpiPage") return Took(ReadNumberedList(value, "hostPort", kLastPort, error, each(ReadMpi)));
-    if (key == "disabledPorts") return Took(ReadPortList(value, t.disabled, error));
+    if (key == "disabledPorts") {
+        uint8_t listed[ZENTREL_PORT_COUNT];
+        if (!ReadPortList(value, listed, error)) return -1;
+        for (uint32_t p = 0; p < ZENTREL_PORT_COUNT; ++p)
+            t.disabled[p] = static_cast<uint8_t>((t.disabled[p] & ~kDownByPortControl) | (listed[p] != 0 ? kDownByPortControl : 0));
+        return 1;
+    }
     if (key == "segments") {
         return Took(ReadNumberedList(value, "hostPort", kLastPort, error,
                                      [&t](uint64_t host, const Json &entry, Problem *problem) {
@@ -541,7 +547,7 @@ void SaveTopology(const Device &device, Json *flash, Json *runtime) {
     (*runtime)["vdsps"] = bound;
     Json disabled = Json::array();
     for (uint32_t p = 0; p < ZENTREL_PORT_COUNT; ++p)
-        if (t.disabled[p] != 0) disabled.push_back(p);
+        if ((t.disabled[p] & kDownByPortControl) != 0) disabled.push_back(p);
     (*runtime)["disabledPorts"] = disabled;
     Json writes = Json::array();
     for (const auto &[k, byte] : t.csrWrites)
@@ -591,7 +597,10 @@ ZENTREL_STATUS PortControl(const char *function, PTR_ZENTREL_DEVICE device, uint
     if (!call.Proceed()) return call.Result();
     Device &d = call.Target();
     if (!IsPort(d, port)) return call.Return(kStatusInvalidParameter);
-    d.topology.disabled[port] = enable ? 0 : 1;
+    if (enable)
+        d.topology.disabled[port] = static_cast<uint8_t>(d.topology.disabled[port] & ~kDownByPortControl);
+    else
+        d.topology.disabled[port] |= kDownByPortControl;
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 

@@ -46,11 +46,17 @@ struct MpiPage {
     uint8_t control;      // MPI management control setting
 };
 
+// Reasons that hold a port's link down; each is set and cleared on its own.
+constexpr uint8_t kDownByPortControl = 1;  // the port was disabled
+constexpr uint8_t kDownByCondition = 2;    // a link-down condition holds
+
 struct TopologyModel {
     uint8_t switchId;                      // the switch number of descriptors
     bool segmentLookup;                    // finds ports by segment
     uint8_t segment[ZENTREL_PORT_COUNT];   // a host port's segment
-    uint8_t disabled[ZENTREL_PORT_COUNT];  // ports disabled by port control
+    // Why a port's link is down (kDownBy... bits); 0: the link is as the port
+    // table has it.
+    uint8_t disabled[ZENTREL_PORT_COUNT];
     std::vector<Vdsp> vdsps;
     std::vector<ExtraDevice> extraDevices;
     std::map<CsrKey, uint8_t> csrWrites;

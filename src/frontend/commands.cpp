@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "debugtoken/debugtoken.h"
+#include "designed/designed.h"
 #include "discovery.h"
 #include "dumps/dumps.h"
 #include "helpers.h"
@@ -106,14 +107,21 @@ const CommandRow kCommandTable[] = {
     {"-spdmread", SpdmReadCertificate, 0},
     {"-spdmsltmgmt", SpdmInvalidateSlot, 0},
     {"-getdecodedtrace", GetDecodedTrace, 0},
+    {"-GetErrInj", GetErrInjection, 0},
+    {"-SetErrInj", SetErrInjection, 0},
     {"-downloadusd", DownloadUnitSpecificData, 0},
     {"-uploadusd", UploadUnitSpecificData, 0},
     {"-SetHealthCfg", SetHealthConfig, 0},
     {"-GetHealthCfg", GetHealthConfig, 0},
     {"-swsettime", SetSwitchTime, 0},
     {"-GetPciCap", GetPciCapabilities, 0},
+    {"-trt", TlpRoundTripTime, 0},
     {"-SetTagSbTimeout", SetTagSbTimeout, 0},
     {"-GetTagSbTimeout", GetTagSbTimeout, 0},
+    {"-SetCredit", SetCreditCapture, 0},
+    {"-GetCredit", GetCreditCapture, 0},
+    {"-setlinkdowncondition", SetLinkDownCondition, 0},
+    {"-getlinkdowncondition", GetLinkDownCondition, 0},
     {"-GetSerdesInfo", SerdesInfo, 0},
     {"-GetSecBootInfo", GetSecureBootInfo, 0},
     {"-GetSpdmSecInfo", GetSpdmSecureInfo, 0},

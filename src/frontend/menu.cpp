@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "debugtoken/debugtoken.h"
+#include "designed/designed.h"
 #include "images/images.h"
 #include "dumps/dumps.h"
 #include "input.h"
@@ -194,6 +195,12 @@ void RunOption(uint32_t choice, PTR_ZENTREL_DEVICE_INFO info) {
     case 64:
         GetSysErrStatus(device);
         break;
+    case 65:
+        GetErrInjection(device, nullptr, info);
+        break;
+    case 66:
+        SetErrInjection(device, nullptr, info);
+        break;
     // The labels of 67 to 78 name other functions; all of them, and 80,
     // download the unit specific data.
     case 67:
@@ -231,6 +238,18 @@ void RunOption(uint32_t choice, PTR_ZENTREL_DEVICE_INFO info) {
         break;
     case 89:
         GetLibParameters(device);
+        break;
+    case 90:
+        SetCreditCapture(device, nullptr, info);
+        break;
+    case 91:
+        GetCreditCapture(device, nullptr, info);
+        break;
+    case 92:
+        SetLinkDownCondition(device, nullptr, info);
+        break;
+    case 93:
+        GetLinkDownCondition(device, nullptr, info);
         break;
     case 95:
         SerdesInfo(device, nullptr, info);
@@ -321,6 +340,9 @@ void RunOption(uint32_t choice, PTR_ZENTREL_DEVICE_INFO info) {
         break;
     case 85:
         GetPciCapabilities(device, nullptr, info);
+        break;
+    case 86:
+        TlpRoundTripTime(device, nullptr, info);
         break;
     case 102:
         GetDownstreamDevices(device, nullptr, info);
