@@ -190,6 +190,7 @@ const ModelPart *const kModelParts[] = {
     &kLinkPart,
     &kPhyPart,
     &kDebugTokenPart,
+    &kDesignedBPart,
     nullptr,
 };
 
@@ -330,6 +331,7 @@ bool Call::Proceed(bool needsInit) {
             status_ = kStatusNoSuchDevice;
             return false;
         }
+        LogCall(target_->designedB, function_, number);
     }
     return true;
 }

@@ -13,6 +13,7 @@
 #include "ports_model.h"
 #include "dumps_model.h"
 #include "debugtoken_model.h"
+#include "designed_b_model.h"
 #include "reader.h"
 #include "security_model.h"
 #include "settings_model.h"
@@ -47,6 +48,7 @@ struct Device {
     LinkModel link;
     PhyModel phy;
     DebugTokenModel debugToken;
+    DesignedBModel designedB;
 };
 
 struct Injection {
@@ -99,6 +101,7 @@ extern const ModelPart kTopologyPart;
 extern const ModelPart kLinkPart;
 extern const ModelPart kPhyPart;
 extern const ModelPart kDebugTokenPart;
+extern const ModelPart kDesignedBPart;
 // Every part, in the order their defaults and keys apply; ends with null.
 extern const ModelPart *const kModelParts[];
 

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "debugtoken/debugtoken.h"
+#include "designed/designed.h"
 #include "discovery.h"
 #include "dumps/dumps.h"
 #include "helpers.h"
@@ -123,6 +124,8 @@ const CommandRow kCommandTable[] = {
     {"-DisableDebugToken", DisableDebugToken, 0},
     {"-GenerateDebugToken", GenerateDebugToken, 0},
     {"-GetDebugTokenParmas", GetDebugTokenParams, 0},
+    {"-HistoryBuffers", ManageHistoryBuffers, 0},
+    {"-SetPerfMon", SetupPerfMonitoring, 0},
     {"-SwProp", GetSwitchProperties, 0},
     {"-sbrmfgcfg", ConfigureSbrMfg, 0},
     {"-SetSwitchLtssmMonitor", LtssmMonitorSetup, 0},

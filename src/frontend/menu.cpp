@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "debugtoken/debugtoken.h"
+#include "designed/designed.h"
 #include "images/images.h"
 #include "dumps/dumps.h"
 #include "input.h"
@@ -336,6 +337,24 @@ void RunOption(uint32_t choice, PTR_ZENTREL_DEVICE_INFO info) {
         break;
     case 125:
         GetPortAttributes(device, nullptr, info);
+        break;
+    case 34:
+        AddressTrapMenu(device);
+        break;
+    case 107:
+        ManageHistoryBuffers(device, nullptr, info);
+        break;
+    case 108:
+        SetupPerfMonitoring(device, nullptr, info);
+        break;
+    case 120:
+        HostPhysicalAddressRangesMenu(device);
+        break;
+    case 126:
+        SetEqualizationCtrlMenu(device);
+        break;
+    case 127:
+        ShowEqualizationCtrlMenu(device);
         break;
     case 4:
     case 43:
