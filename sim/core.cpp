@@ -191,6 +191,7 @@ const ModelPart *const kModelParts[] = {
     &kPhyPart,
     &kDebugTokenPart,
     &kDesignedAPart,
+    &kDesignedBPart,
     nullptr,
 };
 
@@ -331,6 +332,7 @@ bool Call::Proceed(bool needsInit) {
             status_ = kStatusNoSuchDevice;
             return false;
         }
+        LogCall(target_->designedB, function_, number);
     }
     return true;
 }

@@ -189,7 +189,7 @@ void AddTraffic(uint64_t (&counters)[ZENTREL_PERF_COUNTER_COUNT], uint64_t bandw
 }
 
 void AdvanceCounters(Device &device, uint32_t port, uint64_t ms) {
-    if (!LinkUp(device, port)) return;
+    if (!LinkUp(device, port) || !PerfMonitored(device.designedB, port)) return;
     PerfPort &p = device.link.perf[port];
     uint64_t bandwidth = Bandwidth(device, port);
     AddTraffic(p.ingress, bandwidth, LoadOf(device, port, true), ms);
@@ -465,6 +465,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchMemoryRead(PTR_ZENTREL_DEVICE Device, ui
     for (uint32_t i = 0; i < Count;) {
         uint32_t word = (Address + i) & ~3u;
         uint32_t value = sim::ReadWord(call.Target(), word);
+        sim::LogMemoryAccess(call.Target().designedB, word, value, false);
         for (uint32_t b = (Address + i) & 3u; b < 4 && i < Count; ++b, ++i) out[i] = static_cast<uint8_t>(value >> (8 * b));
     }
     call.Bytes("data", Buffer, Count < kTracedBytes ? Count : kTracedBytes);
@@ -487,6 +488,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchMemoryWrite(PTR_ZENTREL_DEVICE Device, u
         for (uint32_t b = (Address + i) & 3u; b < 4 && i < Count; ++b, ++i)
             value = (value & ~(0xFFu << (8 * b))) | static_cast<uint32_t>(in[i]) << (8 * b);
         device.link.registers[word] = value;
+        sim::LogMemoryAccess(device.designedB, word, value, true);
     }
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }

@@ -464,7 +464,10 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchRxEqStatus(PTR_ZENTREL_DEVICE Device, ui
     if (!call.Proceed()) return call.Result();
     const sim::PhyModel &m = call.Target().phy;
     if (Status == nullptr || !sim::LanesExist(m, StartLane, NumLanes)) return call.Return(sim::kStatusInvalidParameter);
-    for (uint32_t lane = StartLane; lane < StartLane + NumLanes; ++lane) Status->Lanes[lane] = sim::RxEqOf(m, lane);
+    for (uint32_t lane = StartLane; lane < StartLane + NumLanes; ++lane) {
+        Status->Lanes[lane] = sim::RxEqOf(m, lane);
+        sim::ApplyEqControl(call.Target().designedB, lane, &Status->Lanes[lane]);
+    }
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
@@ -476,8 +479,10 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchTxCoeff(PTR_ZENTREL_DEVICE Device, uint3
     const sim::PhyModel &m = call.Target().phy;
     if (Coefficients == nullptr || Reserved != 0 || !sim::LanesExist(m, StartLane, NumLanes))
         return call.Return(sim::kStatusInvalidParameter);
-    for (uint32_t lane = StartLane; lane < StartLane + NumLanes; ++lane)
+    for (uint32_t lane = StartLane; lane < StartLane + NumLanes; ++lane) {
         Coefficients->Lanes[lane] = sim::TxCoeffOf(m, lane);
+        sim::ApplyEqControl(call.Target().designedB, lane, &Coefficients->Lanes[lane]);
+    }
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 

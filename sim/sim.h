@@ -14,6 +14,7 @@
 #include "dumps_model.h"
 #include "debugtoken_model.h"
 #include "designed_a_model.h"
+#include "designed_b_model.h"
 #include "reader.h"
 #include "security_model.h"
 #include "settings_model.h"
@@ -49,6 +50,7 @@ struct Device {
     PhyModel phy;
     DebugTokenModel debugToken;
     DesignedAModel designedA;
+    DesignedBModel designedB;
 };
 
 struct Injection {
@@ -102,6 +104,7 @@ extern const ModelPart kLinkPart;
 extern const ModelPart kPhyPart;
 extern const ModelPart kDebugTokenPart;
 extern const ModelPart kDesignedAPart;
+extern const ModelPart kDesignedBPart;
 // Every part, in the order their defaults and keys apply; ends with null.
 extern const ModelPart *const kModelParts[];
 

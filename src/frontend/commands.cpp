@@ -131,6 +131,8 @@ const CommandRow kCommandTable[] = {
     {"-DisableDebugToken", DisableDebugToken, 0},
     {"-GenerateDebugToken", GenerateDebugToken, 0},
     {"-GetDebugTokenParmas", GetDebugTokenParams, 0},
+    {"-HistoryBuffers", ManageHistoryBuffers, 0},
+    {"-SetPerfMon", SetupPerfMonitoring, 0},
     {"-SwProp", GetSwitchProperties, 0},
     {"-sbrmfgcfg", ConfigureSbrMfg, 0},
     {"-SetSwitchLtssmMonitor", LtssmMonitorSetup, 0},

@@ -359,6 +359,24 @@ void RunOption(uint32_t choice, PTR_ZENTREL_DEVICE_INFO info) {
     case 125:
         GetPortAttributes(device, nullptr, info);
         break;
+    case 34:
+        AddressTrapMenu(device);
+        break;
+    case 107:
+        ManageHistoryBuffers(device, nullptr, info);
+        break;
+    case 108:
+        SetupPerfMonitoring(device, nullptr, info);
+        break;
+    case 120:
+        HostPhysicalAddressRangesMenu(device);
+        break;
+    case 126:
+        SetEqualizationCtrlMenu(device);
+        break;
+    case 127:
+        ShowEqualizationCtrlMenu(device);
+        break;
     case 4:
     case 43:
     case 44:

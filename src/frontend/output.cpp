@@ -54,6 +54,12 @@ ssize_t WriteOut(void *, const char *bytes, size_t count) {
     return static_cast<ssize_t>(count);
 }
 
+// Before the handlers registered earlier, such as a leak checker that may
+// end the process itself, and before the library unloads.
+void FlushAtExit() {
+    FlushOutput();
+}
+
 }  // namespace
 
 void StartBufferedOutput() {
@@ -69,6 +75,7 @@ void StartBufferedOutput() {
     fflush(stdout);
     gStream = stream;
     stdout = stream;
+    atexit(FlushAtExit);
 }
 
 void FlushOutput() {
