@@ -117,13 +117,34 @@ def command_entries(rows, words):
     return entries
 
 
-def manual(template, version, entries, items):
+def menu_numbers(cell):
+    """The options a README menu cell names: "62, 64", "67-78, 80"."""
+    numbers = []
+    for part in re.findall(r"\d+(?:-\d+)?", cell):
+        first, _, last = part.partition("-")
+        numbers += range(int(first), int(last or first) + 1)
+    return numbers
+
+
+def menu_descriptions(rows):
+    """What the README says of the options that have no command word."""
+    described = {}
+    for command, menu, what in rows:
+        if not command.strip():
+            for number in menu_numbers(menu):
+                described[number] = what
+    return described
+
+
+def manual(template, version, entries, items, described):
     commands = []
     for head, body in entries:
         commands += [".TP", head, body]
     menu = []
     for number, label in items:
         menu += [f".IP {number} 5", roff(label) if label else "\\&"]
+        if number in described:
+            menu += [".br", roff(described[number])]
     # The date of the build, or the one a reproducible build fixes.
     epoch = os.environ.get("SOURCE_DATE_EPOCH")
     when = datetime.datetime.fromtimestamp(int(epoch), datetime.timezone.utc) if epoch else datetime.datetime.now()
@@ -151,12 +172,13 @@ def main():
     try:
         words = table_words(f"{root}/src/frontend/commands.cpp")
         items = menu_items(f"{root}/src/frontend/menu.cpp")
-        entries = command_entries(readme_rows(f"{root}/README.md"), words)
+        rows = readme_rows(f"{root}/README.md")
+        entries = command_entries(rows, words)
     except (Failure, OSError) as e:
         print(f"gendocs.py: {e}", file=sys.stderr)
         return 1
     with open(args.man, "w", encoding="utf-8") as f:
-        f.write(manual(f"{root}/doc/zentrelLibTest.1.in", args.version, entries, items))
+        f.write(manual(f"{root}/doc/zentrelLibTest.1.in", args.version, entries, items, menu_descriptions(rows)))
     with open(args.completion, "w", encoding="utf-8") as f:
         f.write(completion(f"{root}/doc/zentrelLibTest.bash-completion.in", words))
     return 0
