@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "frontend/commands.h"
+#include "frontend/input.h"
 
 // --- error injection, TLP round-trip time, credits, link-down condition ---
 
@@ -37,9 +38,5 @@ uint32_t HostPhysicalAddressRangesMenu(PTR_ZENTREL_DEVICE device);
 uint32_t SetEqualizationCtrlMenu(PTR_ZENTREL_DEVICE device);
 uint32_t ShowEqualizationCtrlMenu(PTR_ZENTREL_DEVICE device);
 
-// Prints the prompt (no newline) and reads one answer, "%d" or "%x"; an
-// answer that is not a number gives 0.
-int32_t AskSigned(const char *prompt);
-uint32_t AskHex(const char *prompt);
 
 #endif

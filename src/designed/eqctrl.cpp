@@ -23,22 +23,6 @@ bool ByteValue(const char *prompt, uint8_t *field) {
 
 }  // namespace
 
-int32_t AskSigned(const char *prompt) {
-    printf("%s", prompt);
-    FlushInput();
-    int32_t answer = 0;
-    ScanDecimal(&answer);
-    return answer;
-}
-
-uint32_t AskHex(const char *prompt) {
-    printf("%s", prompt);
-    FlushInput();
-    uint32_t answer = 0;
-    ScanHex(&answer);
-    return answer;
-}
-
 uint32_t SetEqualizationCtrlMenu(PTR_ZENTREL_DEVICE device) {
     ZENTREL_SWITCH_EQ_CTRL_REQ request;
     memset(&request, 0, sizeof request);

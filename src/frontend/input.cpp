@@ -127,6 +127,22 @@ uint32_t AskDecimal(std::initializer_list<const char *> lines) {
     return answer;
 }
 
+int32_t AskSigned(const char *prompt, bool flush) {
+    printf("%s", prompt);
+    if (flush) FlushInput();
+    int32_t answer = 0;
+    ScanDecimal(&answer);
+    return answer;
+}
+
+uint32_t AskHex(const char *prompt) {
+    printf("%s", prompt);
+    FlushInput();
+    uint32_t answer = 0;
+    ScanHex(&answer);
+    return answer;
+}
+
 // A read error (standard input closed, a directory, a descriptor that
 // would block) ends the input as its end does: no answer can come.
 bool InputEnded() {

@@ -31,6 +31,12 @@ int ScanWord(char *buffer, size_t size);  // "%s", cut to size - 1 characters
 // reads one "%d" answer; an answer that is not a number gives 0.
 uint32_t AskDecimal(std::initializer_list<const char *> lines);
 
+// Prints the prompt as it is (no newline), discards typed-ahead input
+// (unless told not to), then reads one "%d" (AskSigned) or "%x" (AskHex)
+// answer; an answer that is not a number gives 0.
+int32_t AskSigned(const char *prompt, bool flush = true);
+uint32_t AskHex(const char *prompt);
+
 // True once standard input has reached its end or failed to read.
 bool InputEnded();
 

@@ -107,20 +107,12 @@ struct PerfRequest {
     int32_t wide = 0;
 };
 
-int32_t Ask(const char *prompt) {
-    printf("%s", prompt);
-    FlushInput();
-    int32_t answer = 0;
-    ScanDecimal(&answer);
-    return answer;
-}
-
 // The first four questions, the same in both modes.
 void AskCommon(PerfRequest *r) {
-    r->loops = Ask("Input the test loops count:");
-    r->delayMs = Ask("Input the first read time delay (ms):");
-    r->doStatistic = Ask("Do you want perform statistic?(1-Yes/0-No):");
-    if (r->doStatistic != 0) r->elapsedMs = Ask("Input the statistic time interval(ms):");
+    r->loops = AskSigned("Input the test loops count:");
+    r->delayMs = AskSigned("Input the first read time delay (ms):");
+    r->doStatistic = AskSigned("Do you want perform statistic?(1-Yes/0-No):");
+    if (r->doStatistic != 0) r->elapsedMs = AskSigned("Input the statistic time interval(ms):");
 }
 
 // The first two words, the same in both modes.
@@ -164,9 +156,9 @@ uint32_t SamplingMode(PTR_ZENTREL_DEVICE device, const char *const *words) {
         }
     } else {
         AskCommon(&r);
-        r.singlePort = Ask("Display port counters for single port?(1 - Yes / 0 - No)");
-        if (r.singlePort != 0) r.port = Ask("Input the Port number:");
-        r.wide = Ask("64/32 bit Counter ? 1 -> 64 bit ; 0 -> 32bit:");
+        r.singlePort = AskSigned("Display port counters for single port?(1 - Yes / 0 - No)");
+        if (r.singlePort != 0) r.port = AskSigned("Input the Port number:");
+        r.wide = AskSigned("64/32 bit Counter ? 1 -> 64 bit ; 0 -> 32bit:");
     }
     for (int32_t i = 0; i < r.loops; ++i) {
         SleepMs(Delay(r.delayMs));
@@ -213,8 +205,8 @@ uint32_t StartStopMode(PTR_ZENTREL_DEVICE device, const char *const *words) {
         }
     } else {
         AskCommon(&r);
-        if (Ask("Display port counters for single port?(1 - Yes / 0 - No)") != 0) {
-            Ask("Input the Port number?");
+        if (AskSigned("Display port counters for single port?(1 - Yes / 0 - No)") != 0) {
+            AskSigned("Input the Port number?");
             // These switches cannot count one port: the tool has always
             // ended here, abnormally, before reaching the library.
             abort();

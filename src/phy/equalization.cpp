@@ -3,9 +3,9 @@
 #include <cmath>
 #include <cstdio>
 
+#include "frontend/input.h"
 #include "frontend/helpers.h"
 #include "phy.h"
-#include "phy_prompt.h"
 
 namespace {
 
@@ -37,8 +37,8 @@ bool GetLaneRange(const char *const *words, const char *usage, int32_t *start, i
         }
         return true;
     }
-    *start = AskLaneValue("input the start port:", false);
-    *count = AskLaneValue("input the number of port:", false);
+    *start = AskSigned("input the start port:", false);
+    *count = AskSigned("input the number of port:", false);
     return true;
 }
 
@@ -184,12 +184,12 @@ uint32_t SerdesInfo(PTR_ZENTREL_DEVICE device, const char *const *words, PTR_ZEN
         // reported by the parser and otherwise ignored.
         ParseDecimal(WordAt(words, 2), &number);
     } else {
-        option = AskLaneValue("Input the Serdes Info Request option\n");
+        option = AskSigned("Input the Serdes Info Request option\n");
         if (!IsSerdesOption(static_cast<uint32_t>(option) & 0xFF)) {
             printf("Invalid Serdes Info Request option\n");
             return 1;
         }
-        number = AskLaneValue((option & 0xFF) == ZENTREL_SERDES_REQ_LANE ? "Input the Lane number\n"
+        number = AskSigned((option & 0xFF) == ZENTREL_SERDES_REQ_LANE ? "Input the Lane number\n"
                                                                           : "Input the Port number\n");
     }
     ZENTREL_SWITCH_SERDES_INFO_REQ request = {};

@@ -2,9 +2,9 @@
 // the switch's hardware eye measurement over a range of lanes.
 #include <cstdio>
 
+#include "frontend/input.h"
 #include "frontend/helpers.h"
 #include "phy.h"
-#include "phy_prompt.h"
 
 namespace {
 
@@ -53,11 +53,11 @@ bool ReadMarginWords(const char *const *words, MarginInput *in) {
 }
 
 void AskMargin(MarginInput *in) {
-    in->port = AskLaneValue("Input the Port Number: ");
-    in->lanes = AskLaneValue("Input the the number of lanes: ");
-    in->timeSteps = AskLaneValue("Input the number of Time Steps: ");
-    in->voltageSteps = AskLaneValue("Input the number of Voltage Steps: ");
-    in->errorLimit = AskLaneValue("Input the Error Count Limit: ");
+    in->port = AskSigned("Input the Port Number: ");
+    in->lanes = AskSigned("Input the the number of lanes: ");
+    in->timeSteps = AskSigned("Input the number of Time Steps: ");
+    in->voltageSteps = AskSigned("Input the number of Voltage Steps: ");
+    in->errorLimit = AskSigned("Input the Error Count Limit: ");
 }
 
 struct EyeInput {
@@ -89,10 +89,10 @@ bool ReadEyeWords(const char *const *words, EyeInput *in) {
 
 // The menu asks for the timeout before the bit error rate.
 void AskEye(EyeInput *in) {
-    in->startLane = AskLaneValue("Input the start port:");
-    in->laneCount = AskLaneValue("Input the number of port:");
-    in->polls = AskLaneValue("Input the timeout:");
-    in->targetBer = static_cast<int32_t>(AskLaneHex("Input the BER Value:"));
+    in->startLane = AskSigned("Input the start port:");
+    in->laneCount = AskSigned("Input the number of port:");
+    in->polls = AskSigned("Input the timeout:");
+    in->targetBer = static_cast<int32_t>(AskHex("Input the BER Value:"));
 }
 
 }  // namespace
@@ -113,8 +113,8 @@ uint32_t LaneMarginCapabilities(PTR_ZENTREL_DEVICE device, const char *const *wo
             return 1;
         }
     } else {
-        port = AskLaneValue("Input the Port Number: ");
-        lane = AskLaneValue("Input the Lane Number: ");
+        port = AskSigned("Input the Port Number: ");
+        lane = AskSigned("Input the Lane Number: ");
     }
     uint32_t caps = 0, steps = 0, offsets = 0;
     ZENTREL_STATUS status = ZentrelSwitchGetLaneMarginCapacities(device, static_cast<uint8_t>(port & 0xFF),

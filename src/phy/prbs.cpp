@@ -6,7 +6,6 @@
 #include "frontend/helpers.h"
 #include "frontend/input.h"
 #include "phy.h"
-#include "phy_prompt.h"
 
 namespace {
 
@@ -103,23 +102,23 @@ bool AskPrbs(bool alternate, PrbsInput *in) {
         printf("Invalid prbs option");
         return false;
     }
-    r.Lane = static_cast<uint32_t>(AskLaneValue("Input the  lane :"));
+    r.Lane = static_cast<uint32_t>(AskSigned("Input the  lane :"));
     if (in->option == kInject) {
-        r.WaitTimeMs = static_cast<uint32_t>(AskLaneValue("Input the  waitTime :"));
+        r.WaitTimeMs = static_cast<uint32_t>(AskSigned("Input the  waitTime :"));
         return true;
     }
     r.Pattern = static_cast<uint32_t>(
-        AskLaneValue(alternate ? "Input the  pattern 0-PRBS7, 1-PRBS9, 2-PRBS11, 3-PRBS15, 4-PRBS23, 5-PRBS31 :"
+        AskSigned(alternate ? "Input the  pattern 0-PRBS7, 1-PRBS9, 2-PRBS11, 3-PRBS15, 4-PRBS23, 5-PRBS31 :"
                                : "Input the  pattern 0-PRBS7, 2-PRBS15, 3-PRBS23, 4-PRBS31 :"));
-    r.Rate = static_cast<uint32_t>(AskLaneValue("Input the  Rate 1 - 2.5G, 2 - 5G, 3 - 8G, 4 - 16G, 5 - 32G:"));
+    r.Rate = static_cast<uint32_t>(AskSigned("Input the  Rate 1 - 2.5G, 2 - 5G, 3 - 8G, 4 - 16G, 5 - 32G:"));
     if (in->option != kCheck) return true;
     printf("Input sample count , total 48 bits\n");
-    r.SampleCount[0] = static_cast<uint16_t>(AskLaneHex("Input the  sample count LSB 16bit Hex:"));
-    r.SampleCount[1] = static_cast<uint16_t>(AskLaneHex("Input the  sample count Mid 16bit Hex:"));
-    r.SampleCount[2] = static_cast<uint16_t>(AskLaneHex("Input the  sample count MSB 16bit Hex:"));
-    r.Infinite = static_cast<uint32_t>(AskLaneValue("Input the  infinite :"));
-    r.InvertPolarity = static_cast<uint32_t>(AskLaneValue("Input whether invert Polarity: "));
-    in->counter = AskLaneValue("Input the  i :");
+    r.SampleCount[0] = static_cast<uint16_t>(AskHex("Input the  sample count LSB 16bit Hex:"));
+    r.SampleCount[1] = static_cast<uint16_t>(AskHex("Input the  sample count Mid 16bit Hex:"));
+    r.SampleCount[2] = static_cast<uint16_t>(AskHex("Input the  sample count MSB 16bit Hex:"));
+    r.Infinite = static_cast<uint32_t>(AskSigned("Input the  infinite :"));
+    r.InvertPolarity = static_cast<uint32_t>(AskSigned("Input whether invert Polarity: "));
+    in->counter = AskSigned("Input the  i :");
     in->checkerOption = AskDecimal({"Input the required checker action: ", "1-Only enable checker",
                                     "2-Only check status", "3-Only read checker counter", "4-Perform all the above"});
     return true;
