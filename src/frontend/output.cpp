@@ -1,5 +1,6 @@
 #include "output.h"
 
+#include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
@@ -16,11 +17,19 @@ constexpr size_t kBufferSize = 4096;
 char gBuffer[kBufferSize];
 // Bytes gBuffer holds. Raised only after the bytes are copied in, so the
 // signal handler never writes a byte that is not there yet.
-volatile sig_atomic_t gUsed = 0;
+std::atomic<size_t> gUsed{0};
+// Lock-free atomics rather than volatile sig_atomic_t: the signal handler
+// may run in another thread than the one printing.
+static_assert(std::atomic<size_t>::is_always_lock_free && std::atomic<bool>::is_always_lock_free);
 // Set while a thread writes the buffer out. That thread has the ending
 // signals blocked; a handler running in another thread waits for it.
-volatile sig_atomic_t gDraining = 0;
+std::atomic<bool> gDraining{false};
 bool gLineByLine = false;
+// The C library already runs Gather with the stream locked, one printf at
+// a time; this lock (always taken inside the stream lock, so it never
+// waits) only makes that order visible to ThreadSanitizer, which does not
+// see the C library's own stream lock.
+pthread_mutex_t gBufferMutex = PTHREAD_MUTEX_INITIALIZER;
 
 void WriteAll(const char *bytes, size_t count) {
     while (count > 0) {
@@ -34,8 +43,8 @@ void WriteAll(const char *bytes, size_t count) {
     }
 }
 
-// Called with the stream locked (by the C library while printing, by
-// FlushOutput otherwise).
+// Called with the stream and gBufferMutex locked (by Gather while
+// printing, by FlushOutput otherwise).
 void Drain() {
     if (gUsed == 0) return;
     sigset_t ending, previous;
@@ -43,26 +52,28 @@ void Drain() {
     sigaddset(&ending, SIGINT);
     sigaddset(&ending, SIGQUIT);
     pthread_sigmask(SIG_BLOCK, &ending, &previous);
-    gDraining = 1;
-    WriteAll(gBuffer, static_cast<size_t>(gUsed));
+    gDraining = true;
+    WriteAll(gBuffer, gUsed);
     gUsed = 0;
-    gDraining = 0;
+    gDraining = false;
     pthread_sigmask(SIG_SETMASK, &previous, nullptr);
 }
 
 ssize_t Gather(void *, const char *bytes, size_t count) {
+    pthread_mutex_lock(&gBufferMutex);
     const char *next = bytes;
     size_t left = count;
     while (left > 0) {
-        if (static_cast<size_t>(gUsed) == kBufferSize) Drain();
-        size_t room = kBufferSize - static_cast<size_t>(gUsed);
+        if (gUsed == kBufferSize) Drain();
+        size_t room = kBufferSize - gUsed;
         size_t part = left < room ? left : room;
         memcpy(gBuffer + gUsed, next, part);
-        gUsed = static_cast<sig_atomic_t>(gUsed + part);
+        gUsed += part;
         next += part;
         left -= part;
     }
     if (gLineByLine && memchr(bytes, '\n', count) != nullptr) Drain();
+    pthread_mutex_unlock(&gBufferMutex);
     return static_cast<ssize_t>(count);
 }
 
@@ -90,7 +101,9 @@ void StartBufferedOutput() {
 
 void FlushOutput() {
     flockfile(stdout);
+    pthread_mutex_lock(&gBufferMutex);
     Drain();
+    pthread_mutex_unlock(&gBufferMutex);
     funlockfile(stdout);
 }
 
@@ -103,6 +116,6 @@ void WritePendingOutput() {
         clock_gettime(CLOCK_MONOTONIC, &now);
         if ((now.tv_sec - start.tv_sec) * 1000000000L + (now.tv_nsec - start.tv_nsec) > 200000000L) return;
     }
-    WriteAll(gBuffer, static_cast<size_t>(gUsed));
+    WriteAll(gBuffer, gUsed);
     gUsed = 0;
 }
