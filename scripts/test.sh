@@ -2,11 +2,14 @@
 # Builds and runs every test three times: natively with warnings as errors,
 # natively with AddressSanitizer and UndefinedBehaviorSanitizer, and for the
 # 32-bit ARM controller under user-mode emulation; then builds the Debian
-# packages of the native and ARM builds and checks them. Any failure fails
-# the run.
+# packages of the native and ARM builds and checks them; and runs the
+# threaded tests under ThreadSanitizer. Any failure fails the run.
 #   scripts/test.sh            all of them
-#   scripts/test.sh native     only one of: native, sanitize, arm, package, bench
-# Last, a quick benchmark prints its figures (it never fails the run).
+#   scripts/test.sh native     only one of: native, sanitize, arm, package, tsan, bench
+# The tsan run (ThreadSanitizer) runs only what starts threads: the parallel
+# API test's cases (eight switches at once) and the unit tests of handlers
+# run from several threads. Last, a quick benchmark prints its figures (it
+# never fails the run).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 jobs=$(nproc)
@@ -38,6 +41,11 @@ arm=(build-arm -DCMAKE_BUILD_TYPE=MinSizeRel -DCMAKE_TOOLCHAIN_FILE=cmake/arm-li
 want native && run "${native[@]}"
 want sanitize && run build-sanitize -DCMAKE_BUILD_TYPE=Debug -DZENTREL_SANITIZE=ON
 want arm && run "${arm[@]}"
+if want tsan; then
+  build build-tsan -DCMAKE_BUILD_TYPE=RelWithDebInfo -DZENTREL_TSAN=ON
+  TSAN_OPTIONS="halt_on_error=1 suppressions=$PWD/tests/tsan.supp" ctest --test-dir build-tsan --output-on-failure -j"$jobs" \
+    -R '^(e2e\.parallel|DumpHandlers\.Threads.*|FixedFile\..*)$'
+fi
 if want package; then
   # Packages are made from the builds above; alone, this run builds them.
   [ -n "$only" ] && build "${native[@]}" && build "${arm[@]}"

@@ -46,8 +46,20 @@ void DropRestOfLine() {
 
 // Converts the number at the start of the token; returns 0 when there is
 // none, so that the caller's value stays untouched.
+// Standard input stays locked for the whole answer (and the rest of its
+// line when it is dropped), so that threads prompting at once each read
+// whole answers, never characters of each other's.
+class InputLock {
+public:
+    InputLock() { flockfile(stdin); }
+    ~InputLock() { funlockfile(stdin); }
+    InputLock(const InputLock &) = delete;
+    InputLock &operator=(const InputLock &) = delete;
+};
+
 template <typename T, typename Convert>
 int ScanNumber(T *value, Convert convert) {
+    InputLock lock;
     char text[kNumberText];
     int r = ReadToken(text, sizeof text);
     if (r == EOF) return EOF;
@@ -116,6 +128,7 @@ int ScanHex64(uint64_t *value) {
 
 int ScanWord(char *buffer, size_t size) {
     if (size == 0) return 0;
+    InputLock lock;
     return ReadToken(buffer, size);
 }
 

@@ -8,6 +8,7 @@
 #include "dumps/dumps.h"
 #include "input.h"
 #include "link/link.h"
+#include "parallel.h"
 #include "security/security.h"
 #include "phy/phy.h"
 #include "ports/ports.h"
@@ -250,6 +251,9 @@ void RunOption(uint32_t choice, PTR_ZENTREL_DEVICE_INFO info) {
         break;
     case 93:
         GetLinkDownCondition(device, nullptr, info);
+        break;
+    case 94:
+        TestParallelApis(device);
         break;
     case 95:
         SerdesInfo(device, nullptr, info);

@@ -1,5 +1,6 @@
 #include "output.h"
 
+#include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
@@ -17,10 +18,18 @@ constexpr size_t kBufferSize = 4096;
 char gBuffer[kBufferSize];
 
 // Set while a thread writes the buffer out. That thread has the ending
-// signals blocked; a handler running in another thread waits for it.
-volatile sig_atomic_t gDraining = 0;
+// signals blocked; a handler running in another thread waits for it. A
+// lock-free atomic rather than volatile sig_atomic_t: the handler may run
+// in another thread than the one printing.
+std::atomic<bool> gDraining{false};
+static_assert(std::atomic<bool>::is_always_lock_free);
 bool gLineByLine = false;
 FILE *gStream = nullptr;
+// The C library calls WriteOut with the stream locked, one thread at a
+// time; this lock (always taken inside the stream lock, so it never waits)
+// only makes that order visible to ThreadSanitizer, which does not see the
+// C library's own stream lock.
+pthread_mutex_t gWriteOutMutex = PTHREAD_MUTEX_INITIALIZER;
 
 void WriteAll(const char *bytes, size_t count) {
     while (count > 0) {
@@ -46,10 +55,12 @@ ssize_t WriteOut(void *, const char *bytes, size_t count) {
     sigaddset(&ending, SIGINT);
     sigaddset(&ending, SIGQUIT);
     pthread_sigmask(SIG_BLOCK, &ending, &previous);
-    gDraining = 1;
+    pthread_mutex_lock(&gWriteOutMutex);
+    gDraining = true;
     WriteAll(bytes, count);
     if (bytes == gStream->_IO_write_base) gStream->_IO_write_ptr = gStream->_IO_write_base;
-    gDraining = 0;
+    gDraining = false;
+    pthread_mutex_unlock(&gWriteOutMutex);
     pthread_sigmask(SIG_SETMASK, &previous, nullptr);
     return static_cast<ssize_t>(count);
 }

@@ -34,6 +34,9 @@ header lines follow, then sections that begin with "--- <section>":
     --- stdout                  expected standard output, exactly
     --- stderr                  expected standard error (default: empty)
     --- calls                   expected library trace, every line
+    --- calls unordered         the same, compared as a multiset of lines: for
+                                threads that call at once (each line names its
+                                device, so it is a multiset per device handle)
     --- file NAME               expected content of a file the run writes
     --- hexfile NAME            the same for a binary file: its bytes in hex,
                                 any number a line, blanks between them
@@ -48,7 +51,9 @@ lines at the end of a section are dropped), \\xHH for the byte HH (binary
 files), and \\c at the end of a line for "no newline here". A line
 "@name" inserts fragments/name.txt. A file NAME with "*" in it is a pattern
 for a name that changes from run to run ("coredump_*.txt"): exactly one file
-must match it. Every file that a run leaves in its
+must match it. Several sections may share one pattern if each ends in
+" #N" ("file coredump_*.txt #2"): then exactly as many files match, each
+holding the content of a section of its own (threads writing at once). Every file that a run leaves in its
 working directory must be listed with a "file" section, an input (which the
 run must leave as it was, unless it has a "file" section) or "same". In stderr, the
 scenario file's path reads SCENARIO, and the shared state directory STATEDIR.
@@ -372,22 +377,57 @@ def check(case, cwd, trace, env, returncode, out, err, inputs, written, args, st
     expected_err = expand(s["stderr"], where + " stderr") if "stderr" in s else ""
     if actual_err != expected_err:
         failures.append("stderr: " + describe(expected_err, actual_err))
-    if "calls" in s:
-        expected = expand(s["calls"], where + " calls")
+    for section in ("calls", "calls unordered"):
+        if section not in s:
+            continue
+        expected = expand(s[section], f"{where} {section}")
         try:
             with open(trace, encoding="utf-8") as f:
                 actual = f.read()
         except OSError:
             actual = ""
+        if section == "calls unordered":
+            expected = "".join(sorted(expected.splitlines(keepends=True)))
+            actual = "".join(sorted(actual.splitlines(keepends=True)))
         if actual != expected:
-            failures.append("calls: " + describe(expected, actual))
+            failures.append(f"{section} (sorted): " + describe(expected, actual)
+                            if section == "calls unordered" else "calls: " + describe(expected, actual))
     files = {}
+    shared = {}
     for section, body in s.items():
         kind, _, name = section.partition(" ")
         if kind in ("file", "hexfile"):
-            files[name.strip()] = (kind, body)
+            m = re.fullmatch(r"(.*\*.*) #\d+", name.strip())
+            if m:
+                shared.setdefault(m.group(1), []).append((kind, body, section))
+            else:
+                files[name.strip()] = (kind, body)
     present = sorted(os.listdir(cwd)) if os.path.isdir(cwd) else []
     matched = set()
+    for name, sections in shared.items():
+        pattern = re.compile(".*".join(re.escape(part) for part in name.split("*")))
+        found = [p for p in present if pattern.fullmatch(p)]
+        matched.update(found)
+        if len(found) != len(sections):
+            failures.append(f"file {name}: {len(found)} files match, expected {len(sections)}: {found}")
+            continue
+        contents = {}
+        for p in found:
+            with open(os.path.join(cwd, p), "rb") as f:
+                contents[p] = f.read()
+        for kind, body, section in sections:
+            if kind == "hexfile":
+                try:
+                    wanted = bytes.fromhex(" ".join(body))
+                except ValueError:
+                    raise CaseError(f"{where} {section}: not hex bytes")
+            else:
+                wanted = expand(body, f"{where} {section}").encode("utf-8", errors="surrogateescape")
+            same = [p for p, data in contents.items() if data == wanted]
+            if not same:
+                failures.append(f"{section}: no file of {sorted(contents)} holds its content")
+                continue
+            del contents[same[0]]
     for name, (kind, body) in files.items():
         if "*" in name:
             pattern = re.compile(".*".join(re.escape(part) for part in name.split("*")))
