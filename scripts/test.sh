@@ -3,13 +3,13 @@
 # natively with AddressSanitizer and UndefinedBehaviorSanitizer, and for the
 # 32-bit ARM controller under user-mode emulation; then builds the Debian
 # packages of the native and ARM builds and checks them; and runs the
-# threaded tests under ThreadSanitizer. Any failure fails the run.
+# whole suite once more under ThreadSanitizer. Any failure fails the run.
 #   scripts/test.sh            all of them
 #   scripts/test.sh native     only one of: native, sanitize, arm, package, tsan, bench
-# The tsan run (ThreadSanitizer) runs only what starts threads: the parallel
-# API test's cases (eight switches at once) and the unit tests of handlers
-# run from several threads. Last, a quick benchmark prints its figures (it
-# never fails the run).
+# The tsan run (ThreadSanitizer) runs the whole suite; what starts threads
+# is the parallel API test (eight switches at once), the file mutexes'
+# unit tests and the state file's concurrent runs. Last, a quick benchmark
+# prints its figures (it never fails the run).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 jobs=$(nproc)
@@ -43,8 +43,7 @@ want sanitize && run build-sanitize -DCMAKE_BUILD_TYPE=Debug -DZENTREL_SANITIZE=
 want arm && run "${arm[@]}"
 if want tsan; then
   build build-tsan -DCMAKE_BUILD_TYPE=RelWithDebInfo -DZENTREL_TSAN=ON
-  TSAN_OPTIONS="halt_on_error=1 suppressions=$PWD/tests/tsan.supp" ctest --test-dir build-tsan --output-on-failure -j"$jobs" \
-    -R '^(e2e\.parallel|DumpHandlers\.Threads.*|FixedFile\..*)$'
+  TSAN_OPTIONS="halt_on_error=1 suppressions=$PWD/tests/tsan.supp" ctest --test-dir build-tsan --output-on-failure -j"$jobs"
 fi
 if want package; then
   # Packages are made from the builds above; alone, this run builds them.

@@ -107,5 +107,10 @@ void WritePendingOutput() {
     // bytes in, so everything before it is complete.
     const char *base = gStream->_IO_write_base;
     const char *end = gStream->_IO_write_ptr;
-    if (base != nullptr && end > base) WriteAll(base, static_cast<size_t>(end - base));
+    if (base != nullptr && end > base) {
+        WriteAll(base, static_cast<size_t>(end - base));
+        // Written: an exit path that still flushes the stream (a sanitizer's
+        // own _exit does) must not write it a second time.
+        gStream->_IO_write_ptr = gStream->_IO_write_base;
+    }
 }
