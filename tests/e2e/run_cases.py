@@ -85,11 +85,20 @@ SLEEP_CALLS = {"35", "230"}  # nanosleep, clock_nanosleep
 
 
 def is_sleeping(pid):
+    """True when any thread of the process sleeps (the parallel test's
+    threads sleep while the main thread waits to join them)."""
     try:
-        with open(f"/proc/{pid}/syscall") as f:
-            return f.read().split(" ", 1)[0] in SLEEP_CALLS
+        tasks = os.listdir(f"/proc/{pid}/task")
     except OSError:
         return False
+    for task in tasks:
+        try:
+            with open(f"/proc/{pid}/task/{task}/syscall") as f:
+                if f.read().split(" ", 1)[0] in SLEEP_CALLS:
+                    return True
+        except OSError:
+            pass
+    return False
 
 
 def unescape_line(line, where):
