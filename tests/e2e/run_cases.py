@@ -14,6 +14,9 @@ header lines follow, then sections that begin with "--- <section>":
     input: fw.bin=fw_valid.bin  copy sample images (--samples) into the working
                                 directory first, under the names given
     same: usd_ul.bin usd_dl.bin two files the run leaves, equal byte for byte
+    fifo: NAME ...              named pipes (no writer) in the working directory
+    zeros: NAME=SIZE ...        files of SIZE zero bytes, made sparse (so a
+                                file of gigabytes costs nothing)
     then: -i 0 -ver             run again in the same directory, with a state
                                 file shared by both runs (ZENTREL_SIM_STATE);
                                 its stdout follows the first run's, and
@@ -198,7 +201,8 @@ def parse_cases(path):
             # Blank lines before the next case or section belong to nothing.
             while body and body[-1] == "":
                 body.pop()
-        known = {"args", "status", "signal", "timeout", "input", "same", "then", "stdin", "state", "cwd"}
+        known = {"args", "status", "signal", "timeout", "input", "same", "then", "stdin", "state", "cwd", "fifo",
+                 "zeros"}
         extra = set(case["headers"]) - known
         if extra:
             raise CaseError(f"{path}: case '{case['name']}': unknown header {sorted(extra)}")
@@ -250,6 +254,16 @@ def run_case(case, args, where, state_dir):
         if not sep:
             raise CaseError(f"{where}: input: NAME=SAMPLE")
         shutil.copyfile(os.path.join(args.samples, sample), os.path.join(cwd, name))
+        inputs.add(name)
+    for name in h.get("fifo", "").split():
+        os.mkfifo(os.path.join(cwd, name))
+        inputs.add(name)
+    for pair in h.get("zeros", "").split():
+        name, sep, size = pair.partition("=")
+        if not sep or not size.isdigit():
+            raise CaseError(f"{where}: zeros: NAME=SIZE")
+        with open(os.path.join(cwd, name), "wb") as f:
+            f.truncate(int(size))
         inputs.add(name)
     written = {}
     for section, body in s.items():
