@@ -5,11 +5,15 @@
 # packages of the native and ARM builds and checks them; and runs the
 # threaded tests under ThreadSanitizer. Any failure fails the run.
 #   scripts/test.sh            all of them
-#   scripts/test.sh native     only one of: native, sanitize, arm, package, tsan, bench
+#   scripts/test.sh native     only one of: native, sanitize, arm, package, tsan, valgrind, lint, bench
 # The tsan run (ThreadSanitizer) runs only what starts threads: the parallel
 # API test's cases (eight switches at once) and the unit tests of handlers
 # run from several threads. Last, a quick benchmark prints its figures (it
 # never fails the run).
+# The valgrind run (memcheck) runs every fourth end-to-end case of each
+# file under valgrind: no memory error, and no leak but those listed in
+# tests/lsan.supp.
+# The lint run: clang-tidy and cppcheck over the sources (scripts/lint.sh).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 jobs=$(nproc)
@@ -21,6 +25,8 @@ flags=()
 want arm && flags+=(--arm)
 want package && flags+=(--arm --package)
 want bench && flags+=(--bench)
+want valgrind && flags+=(--valgrind)
+want lint && flags+=(--lint)
 scripts/deps.sh "${flags[@]}"
 
 build() {
@@ -45,6 +51,18 @@ if want tsan; then
   build build-tsan -DCMAKE_BUILD_TYPE=RelWithDebInfo -DZENTREL_TSAN=ON
   TSAN_OPTIONS="halt_on_error=1 suppressions=$PWD/tests/tsan.supp" ctest --test-dir build-tsan --output-on-failure -j"$jobs" \
     -R '^(e2e\.parallel|DumpHandlers\.Threads.*|FixedFile\..*)$'
+fi
+if want valgrind; then
+  # Every fourth case (a quarter of them, from every case file) keeps the
+  # run to a few minutes on two cores; --every 1 runs them all.
+  build "${native[@]}"
+  echo "=== valgrind"
+  printf '%s\0' tests/e2e/cases/*.case | xargs -0 -P"$jobs" -n1 python3 tests/e2e/run_cases.py --valgrind --every 4 \
+    --slow 5 --binary build-test/zentrelLibTest --samples build-test/sim/samples | grep -v '^ok '
+fi
+if want lint; then
+  cmake -S . -B build-lint -DCMAKE_EXPORT_COMPILE_COMMANDS=ON >/dev/null
+  scripts/lint.sh build-lint
 fi
 if want package; then
   # Packages are made from the builds above; alone, this run builds them.

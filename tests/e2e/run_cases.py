@@ -287,8 +287,30 @@ def run_case(case, args, where, state_dir):
     return check(case, cwd, trace, env, status, out, err, inputs, written, args, state_dir, state)
 
 
+def valgrind_suppressions(lsan_path, out_path):
+    """Writes Memcheck suppressions for the leaks a LeakSanitizer file lists
+    ("leak:Func" stands for any stack with Func in it), so that one list
+    serves both checkers."""
+    entries = []
+    with open(lsan_path, encoding="utf-8") as f:
+        for line in f:
+            line = line.strip()
+            if line.startswith("leak:"):
+                name = line[5:]
+                entries.append(f"{{\n   {name}\n   Memcheck:Leak\n   ...\n   fun:*{name}*\n   ...\n}}\n")
+    with open(out_path, "w", encoding="utf-8") as f:
+        f.write("".join(entries))
+
+
 def run_once(h, args, words, cwd, env, stdin, out, err, where):
     argv = shlex.split(args.launcher) + [args.binary] + shlex.split(words)
+    if args.valgrind:
+        # Its findings go to a log beside the working directory; any line
+        # there fails the case (see check).
+        argv = [args.valgrind_path, "-q", "--error-exitcode=99", "--leak-check=full",
+                "--errors-for-leak-kinds=definite,indirect", "--show-leak-kinds=definite,indirect",
+                "--suppressions=" + args.valgrind_supp,
+                "--log-file=" + os.path.join(os.path.dirname(cwd), "valgrind.%p.log")] + argv
     timeout = float(h.get("timeout", "10")) * args.slow
     if h.get("cwd", "") == "unwritable":
         argv = ["sh", "-c", 'rmdir "$1" && shift && exec "$@"', "sh", cwd] + argv
@@ -510,6 +532,12 @@ def check(case, cwd, trace, env, returncode, out, err, inputs, written, args, st
             continue
         if name not in matched and name not in inputs and name not in same:
             failures.append(f"unexpected file {name} in the working directory")
+    if args.valgrind:
+        work = os.path.dirname(cwd)
+        for name in sorted(os.listdir(work)):
+            if name.startswith("valgrind.") and os.path.getsize(os.path.join(work, name)) > 0:
+                with open(os.path.join(work, name), encoding="utf-8", errors="replace") as f:
+                    failures.append("valgrind:\n" + f.read())
     if failures and args.verbose:
         failures.append("whole stdout:\n" + actual_out)
     return failures
@@ -523,9 +551,24 @@ def main():
     p.add_argument("--slow", type=float, default=1.0, help="factor for every timeout")
     p.add_argument("--samples", default="", help="directory of the simulator's sample images")
     p.add_argument("--verbose", action="store_true")
+    p.add_argument("--valgrind", action="store_true",
+                   help="run the binary under valgrind memcheck; leaks listed in --leaks are allowed")
+    p.add_argument("--leaks", default=os.path.join(os.path.dirname(HERE), "lsan.supp"),
+                   help="LeakSanitizer suppression file of the leaks the utility keeps on purpose")
+    p.add_argument("--every", type=int, default=1, metavar="N",
+                   help="run only every Nth case of each file, from the first (and the cases before it that "
+                        "share its state file); for slow runs such as --valgrind")
     p.add_argument("cases", nargs="+")
     args = p.parse_args()
     args.binary = os.path.abspath(args.binary)
+    if args.valgrind:
+        if args.launcher:
+            p.error("--valgrind runs the native binary: no --launcher")
+        # Debian's valgrind is a shell script around valgrind.bin: a shell
+        # started in a removed directory (cwd: unwritable) complains of it.
+        args.valgrind_path = shutil.which("valgrind.bin") or shutil.which("valgrind") or "valgrind"
+        args.valgrind_supp = os.path.join(tempfile.mkdtemp(prefix="zentrel-e2e-vg-"), "valgrind.supp")
+        valgrind_suppressions(args.leaks, args.valgrind_supp)
     passed = failed = 0
     for path in args.cases:
         try:
@@ -535,7 +578,12 @@ def main():
             failed += 1
             continue
         state_dir = tempfile.mkdtemp(prefix="zentrel-e2e-state-")
-        for case in cases:
+        picked = set(range(0, len(cases), max(1, args.every)))
+        for i in sorted(picked):
+            state = cases[i]["headers"].get("state")
+            if state is not None:
+                picked.update(j for j in range(i) if cases[j]["headers"].get("state") == state)
+        for case in (cases[i] for i in sorted(picked)):
             where = f"{os.path.basename(path)}:{case['line']} '{case['name']}'"
             started = time.monotonic()
             try:
