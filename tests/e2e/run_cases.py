@@ -307,7 +307,10 @@ def run_once(h, args, words, cwd, env, stdin, out, err, where):
     if args.valgrind:
         # Its findings go to a log beside the working directory; any line
         # there fails the case (see check).
-        argv = [args.valgrind_path, "-q", "--error-exitcode=99", "--leak-check=full",
+        # No C library clean-up at exit: it would flush standard output
+        # once more after a signal handler wrote it out and ended the
+        # process (with _exit, which never flushes otherwise).
+        argv = [args.valgrind_path, "-q", "--error-exitcode=99", "--leak-check=full", "--run-libc-freeres=no",
                 "--errors-for-leak-kinds=definite,indirect", "--show-leak-kinds=definite,indirect",
                 "--suppressions=" + args.valgrind_supp,
                 "--log-file=" + os.path.join(os.path.dirname(cwd), "valgrind.%p.log")] + argv
