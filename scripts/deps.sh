@@ -4,6 +4,8 @@
 #   scripts/deps.sh --arm    also the ARM cross compiler and user-mode emulator
 #   scripts/deps.sh --package    also what builds and checks the Debian packages
 #   scripts/deps.sh --bench      also the benchmark's tools
+#   scripts/deps.sh --valgrind   also valgrind
+#   scripts/deps.sh --lint       also clang-tidy and cppcheck
 #   (the flags combine)
 set -euo pipefail
 
@@ -13,6 +15,8 @@ for flag in "$@"; do
     --arm) packages+=(g++-arm-linux-gnueabihf qemu-user) ;;
     --package) packages+=(lintian mandoc groff-base man-db gzip binutils) ;;
     --bench) packages+=(hyperfine valgrind strace time) ;;
+    --valgrind) packages+=(valgrind) ;;
+    --lint) packages+=(clang-tidy-14 cppcheck) ;;
     *) echo "deps.sh: unknown flag $flag" >&2; exit 2 ;;
   esac
 done

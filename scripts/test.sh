@@ -5,11 +5,15 @@
 # packages of the native and ARM builds and checks them; and runs the
 # whole suite once more under ThreadSanitizer. Any failure fails the run.
 #   scripts/test.sh            all of them
-#   scripts/test.sh native     only one of: native, sanitize, arm, package, tsan, bench
+#   scripts/test.sh native     only one of: native, sanitize, arm, package, tsan, valgrind, lint, fuzz, bench
 # The tsan run (ThreadSanitizer) runs the whole suite; what starts threads
 # is the parallel API test (eight switches at once), the file mutexes'
-# unit tests and the state file's concurrent runs. Last, a quick benchmark
-# prints its figures (it never fails the run).
+# unit tests and the state file's concurrent runs.
+# The valgrind run (memcheck) runs every fourth end-to-end case of each
+# file under valgrind: no memory error, and no leak but those listed in
+# tests/lsan.supp.
+# The lint run: clang-tidy and cppcheck over the sources (scripts/lint.sh).
+# Last, a quick benchmark prints its figures (it never fails the run).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 jobs=$(nproc)
@@ -21,6 +25,8 @@ flags=()
 want arm && flags+=(--arm)
 want package && flags+=(--arm --package)
 want bench && flags+=(--bench)
+want valgrind && flags+=(--valgrind)
+want lint && flags+=(--lint)
 scripts/deps.sh "${flags[@]}"
 
 build() {
@@ -44,6 +50,18 @@ want arm && run "${arm[@]}"
 if want tsan; then
   build build-tsan -DCMAKE_BUILD_TYPE=RelWithDebInfo -DZENTREL_TSAN=ON
   TSAN_OPTIONS="halt_on_error=1 suppressions=$PWD/tests/tsan.supp" ctest --test-dir build-tsan --output-on-failure -j"$jobs"
+fi
+if want valgrind; then
+  # Every fourth case (a quarter of them, from every case file) keeps the
+  # run to a few minutes on two cores; --every 1 runs them all.
+  build "${native[@]}"
+  echo "=== valgrind"
+  printf '%s\0' tests/e2e/cases/*.case | xargs -0 -P"$jobs" -n1 python3 tests/e2e/run_cases.py --valgrind --every 4 \
+    --slow 5 --binary build-test/zentrelLibTest --samples build-test/sim/samples | grep -v '^ok '
+fi
+if want lint; then
+  cmake -S . -B build-lint -DCMAKE_EXPORT_COMPILE_COMMANDS=ON >/dev/null
+  scripts/lint.sh build-lint
 fi
 if want package; then
   # Packages are made from the builds above; alone, this run builds them.

@@ -93,9 +93,11 @@ int PrintSwitchDetails(const ZENTREL_DEVICE_INFO *info) {
     printf("\nSwitch Details \n");
     printf("Handle = 0x%x \n", info->Handle);
     printf("Device Id = 0x%X \n", info->DeviceId);
-    printf("FW Version = %d.%d.%d.%d\r\n", VersionByte(info->FwVersion, 0), VersionByte(info->FwVersion, 1),
-           VersionByte(info->FwVersion, 2), VersionByte(info->FwVersion, 3));
-    printf("SM API Version = %d.%d\r\n", VersionByte(info->SmApiVersion, 0), VersionByte(info->SmApiVersion, 1));
+    printf("FW Version = %d.%d.%d.%d\r\n", static_cast<int>(VersionByte(info->FwVersion, 0)),
+           static_cast<int>(VersionByte(info->FwVersion, 1)), static_cast<int>(VersionByte(info->FwVersion, 2)),
+           static_cast<int>(VersionByte(info->FwVersion, 3)));
+    printf("SM API Version = %d.%d\r\n", static_cast<int>(VersionByte(info->SmApiVersion, 0)),
+           static_cast<int>(VersionByte(info->SmApiVersion, 1)));
     return 0;
 }
 

@@ -189,7 +189,7 @@ uint32_t LtssmTrace(PTR_ZENTREL_DEVICE device, const char *const *words, PTR_ZEN
     }
     // The dump directory is relative to the working directory.
     char directory[ZENTREL_LTSSM_DUMP_PATH_LENGTH] = {};
-    strcat(directory, kDumpDirectory);
+    snprintf(directory, sizeof directory, "%s", kDumpDirectory);
 
     ZENTREL_SWITCH_LTSSM_TRIGGER trigger;
     memset(&trigger, 0, sizeof trigger);

@@ -195,7 +195,7 @@ uint32_t HardwareEyeScan(PTR_ZENTREL_DEVICE device, const char *const *words, PT
     uint32_t start = static_cast<uint32_t>(in.startLane), count = static_cast<uint32_t>(in.laneCount);
     ZENTREL_STATUS status = ZentrelSwitchHardwareEyeStart(device, start, count, static_cast<uint32_t>(in.targetBer), eye);
     if (status != ZENTREL_STATUS_SUCCESS) {
-        printf("ZentrelSwitchHardwareEyeStart failed, libstatus = %d\n", status);
+        printf("ZentrelSwitchHardwareEyeStart failed, libstatus = %d\n", static_cast<int>(status));
         FreeBuffer(eye);
         return 1;
     }
@@ -203,7 +203,7 @@ uint32_t HardwareEyeScan(PTR_ZENTREL_DEVICE device, const char *const *words, PT
     for (int32_t poll = 0; poll < in.polls; ++poll) {
         status = ZentrelSwitchHardwareEyePoll(device, start, count, eye);
         if (status != ZENTREL_STATUS_SUCCESS) {
-            printf("ZentrelSwitchHardwareEyePoll failed, libstatus = %d\n", status);
+            printf("ZentrelSwitchHardwareEyePoll failed, libstatus = %d\n", static_cast<int>(status));
             FreeBuffer(eye);
             return 1;
         }
@@ -211,7 +211,7 @@ uint32_t HardwareEyeScan(PTR_ZENTREL_DEVICE device, const char *const *words, PT
     }
     status = ZentrelSwitchHardwareEyeGet(device, start, count, eye);
     if (status != ZENTREL_STATUS_SUCCESS) {
-        printf("ZentrelSwitchHardwareEyeGet failed, libstatus = %d\n", status);
+        printf("ZentrelSwitchHardwareEyeGet failed, libstatus = %d\n", static_cast<int>(status));
         FreeBuffer(eye);
         return 1;
     }
@@ -224,7 +224,7 @@ uint32_t HardwareEyeScan(PTR_ZENTREL_DEVICE device, const char *const *words, PT
     uint32_t result = 0;
     status = ZentrelSwitchHardwareEyeClean(device, start, count, eye);
     if (status != ZENTREL_STATUS_SUCCESS) {
-        printf("ZentrelSwitchHardwareEyeClean failed, libstatus = %d\n", status);
+        printf("ZentrelSwitchHardwareEyeClean failed, libstatus = %d\n", static_cast<int>(status));
         result = 1;
     }
     FreeBuffer(eye);

@@ -7,8 +7,9 @@
 #include "settings.h"
 
 uint32_t GetVersions(PTR_ZENTREL_DEVICE, const char *const *, PTR_ZENTREL_DEVICE_INFO info) {
-    printf("FW Version = %d.%d.%d.%d\r\n", VersionByte(info->FwVersion, 0), VersionByte(info->FwVersion, 1),
-           VersionByte(info->FwVersion, 2), VersionByte(info->FwVersion, 3));
+    printf("FW Version = %d.%d.%d.%d\r\n", static_cast<int>(VersionByte(info->FwVersion, 0)),
+           static_cast<int>(VersionByte(info->FwVersion, 1)), static_cast<int>(VersionByte(info->FwVersion, 2)),
+           static_cast<int>(VersionByte(info->FwVersion, 3)));
     auto *sbr = static_cast<PTR_ZENTREL_SWITCH_SBR_VERSION>(AllocZeroed(sizeof(ZENTREL_SWITCH_SBR_VERSION)));
     if (sbr == nullptr) {
         printf("Unable to allocate buffer for SBR version\n");

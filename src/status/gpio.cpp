@@ -81,7 +81,7 @@ uint32_t GpioControl(PTR_ZENTREL_DEVICE device, const char *const *words, PTR_ZE
         printf("PCIe port the GPIO pin is assigned =%d\n", response.Data);
         break;
     case ZENTREL_GPIO_GET_ALT_DSEL:
-        printf("AltDSel value for the target Gpio =%d\n", response.Data & ZENTREL_GPIO_ALT_DSEL_MASK);
+        printf("AltDSel value for the target Gpio =%d\n", static_cast<int>(response.Data & ZENTREL_GPIO_ALT_DSEL_MASK));
         break;
     default:
         break;

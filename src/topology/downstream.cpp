@@ -42,7 +42,8 @@ uint32_t GetDownstreamDevices(PTR_ZENTREL_DEVICE device, const char *const *word
     }
     printf("Total DownStream Port Count =%d Total DownStream Port with devices =%d Total Number of devices connected "
            "%d\n",
-           counts.TotalPorts, counts.PortsWithDevices, counts.TotalDevices);
+           static_cast<int>(counts.TotalPorts), static_cast<int>(counts.PortsWithDevices),
+           static_cast<int>(counts.TotalDevices));
     uint16_t length = DownstreamListLength(counts);
     auto *list = static_cast<uint8_t *>(AllocZeroed(length));
     if (list == nullptr) {

@@ -85,7 +85,7 @@ uint32_t WritePortCsr(PTR_ZENTREL_DEVICE device) {
     printf("Write data is %x\n ", a.Data);
     printf("switchCSRAccess.PortNum %d\n", a.PortNum);
     printf("switchCSRAccess.IsExtendedCap %d\n", a.IsExtendedCap);
-    printf("switchCSRAccess.PcieCapId %d\n", a.PcieCapId);
+    printf("switchCSRAccess.PcieCapId %d\n", static_cast<int>(a.PcieCapId));
     printf("switchCSRAccess.Offset is %x and offset is %x\n", a.Offset, offset);
     printf("switchCSRAccess.DataLength %d\n", a.DataLength);
     ZENTREL_STATUS status = ZentrelSwitchWritePortCSR(device, &buffer.access);

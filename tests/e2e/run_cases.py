@@ -14,6 +14,9 @@ header lines follow, then sections that begin with "--- <section>":
     input: fw.bin=fw_valid.bin  copy sample images (--samples) into the working
                                 directory first, under the names given
     same: usd_ul.bin usd_dl.bin two files the run leaves, equal byte for byte
+    fifo: NAME ...              named pipes (no writer) in the working directory
+    zeros: NAME=SIZE ...        files of SIZE zero bytes, made sparse (so a
+                                file of gigabytes costs nothing)
     then: -i 0 -ver             run again in the same directory, with a state
                                 file shared by both runs (ZENTREL_SIM_STATE);
                                 its stdout follows the first run's, and
@@ -85,11 +88,20 @@ SLEEP_CALLS = {"35", "230"}  # nanosleep, clock_nanosleep
 
 
 def is_sleeping(pid):
+    """True when any thread of the process sleeps (the parallel test's
+    threads sleep while the main thread waits to join them)."""
     try:
-        with open(f"/proc/{pid}/syscall") as f:
-            return f.read().split(" ", 1)[0] in SLEEP_CALLS
+        tasks = os.listdir(f"/proc/{pid}/task")
     except OSError:
         return False
+    for task in tasks:
+        try:
+            with open(f"/proc/{pid}/task/{task}/syscall") as f:
+                if f.read().split(" ", 1)[0] in SLEEP_CALLS:
+                    return True
+        except OSError:
+            pass
+    return False
 
 
 def unescape_line(line, where):
@@ -189,7 +201,8 @@ def parse_cases(path):
             # Blank lines before the next case or section belong to nothing.
             while body and body[-1] == "":
                 body.pop()
-        known = {"args", "status", "signal", "timeout", "input", "same", "then", "stdin", "state", "cwd"}
+        known = {"args", "status", "signal", "timeout", "input", "same", "then", "stdin", "state", "cwd", "fifo",
+                 "zeros"}
         extra = set(case["headers"]) - known
         if extra:
             raise CaseError(f"{path}: case '{case['name']}': unknown header {sorted(extra)}")
@@ -242,6 +255,16 @@ def run_case(case, args, where, state_dir):
             raise CaseError(f"{where}: input: NAME=SAMPLE")
         shutil.copyfile(os.path.join(args.samples, sample), os.path.join(cwd, name))
         inputs.add(name)
+    for name in h.get("fifo", "").split():
+        os.mkfifo(os.path.join(cwd, name))
+        inputs.add(name)
+    for pair in h.get("zeros", "").split():
+        name, sep, size = pair.partition("=")
+        if not sep or not size.isdigit():
+            raise CaseError(f"{where}: zeros: NAME=SIZE")
+        with open(os.path.join(cwd, name), "wb") as f:
+            f.truncate(int(size))
+        inputs.add(name)
     written = {}
     for section, body in s.items():
         if section.startswith("input "):
@@ -264,8 +287,33 @@ def run_case(case, args, where, state_dir):
     return check(case, cwd, trace, env, status, out, err, inputs, written, args, state_dir, state)
 
 
+def valgrind_suppressions(lsan_path, out_path):
+    """Writes Memcheck suppressions for the leaks a LeakSanitizer file lists
+    ("leak:Func" stands for any stack with Func in it), so that one list
+    serves both checkers."""
+    entries = []
+    with open(lsan_path, encoding="utf-8") as f:
+        for line in f:
+            line = line.strip()
+            if line.startswith("leak:"):
+                name = line[5:]
+                entries.append(f"{{\n   {name}\n   Memcheck:Leak\n   ...\n   fun:*{name}*\n   ...\n}}\n")
+    with open(out_path, "w", encoding="utf-8") as f:
+        f.write("".join(entries))
+
+
 def run_once(h, args, words, cwd, env, stdin, out, err, where):
     argv = shlex.split(args.launcher) + [args.binary] + shlex.split(words)
+    if args.valgrind:
+        # Its findings go to a log beside the working directory; any line
+        # there fails the case (see check).
+        # No C library clean-up at exit: it would flush standard output
+        # once more after a signal handler wrote it out and ended the
+        # process (with _exit, which never flushes otherwise).
+        argv = [args.valgrind_path, "-q", "--error-exitcode=99", "--leak-check=full", "--run-libc-freeres=no",
+                "--errors-for-leak-kinds=definite,indirect", "--show-leak-kinds=definite,indirect",
+                "--suppressions=" + args.valgrind_supp,
+                "--log-file=" + os.path.join(os.path.dirname(cwd), "valgrind.%p.log")] + argv
     timeout = float(h.get("timeout", "10")) * args.slow
     if h.get("cwd", "") == "unwritable":
         argv = ["sh", "-c", 'rmdir "$1" && shift && exec "$@"', "sh", cwd] + argv
@@ -487,6 +535,12 @@ def check(case, cwd, trace, env, returncode, out, err, inputs, written, args, st
             continue
         if name not in matched and name not in inputs and name not in same:
             failures.append(f"unexpected file {name} in the working directory")
+    if args.valgrind:
+        work = os.path.dirname(cwd)
+        for name in sorted(os.listdir(work)):
+            if name.startswith("valgrind.") and os.path.getsize(os.path.join(work, name)) > 0:
+                with open(os.path.join(work, name), encoding="utf-8", errors="replace") as f:
+                    failures.append("valgrind:\n" + f.read())
     if failures and args.verbose:
         failures.append("whole stdout:\n" + actual_out)
     return failures
@@ -500,9 +554,24 @@ def main():
     p.add_argument("--slow", type=float, default=1.0, help="factor for every timeout")
     p.add_argument("--samples", default="", help="directory of the simulator's sample images")
     p.add_argument("--verbose", action="store_true")
+    p.add_argument("--valgrind", action="store_true",
+                   help="run the binary under valgrind memcheck; leaks listed in --leaks are allowed")
+    p.add_argument("--leaks", default=os.path.join(os.path.dirname(HERE), "lsan.supp"),
+                   help="LeakSanitizer suppression file of the leaks the utility keeps on purpose")
+    p.add_argument("--every", type=int, default=1, metavar="N",
+                   help="run only every Nth case of each file, from the first (and the cases before it that "
+                        "share its state file); for slow runs such as --valgrind")
     p.add_argument("cases", nargs="+")
     args = p.parse_args()
     args.binary = os.path.abspath(args.binary)
+    if args.valgrind:
+        if args.launcher:
+            p.error("--valgrind runs the native binary: no --launcher")
+        # Debian's valgrind is a shell script around valgrind.bin: a shell
+        # started in a removed directory (cwd: unwritable) complains of it.
+        args.valgrind_path = shutil.which("valgrind.bin") or shutil.which("valgrind") or "valgrind"
+        args.valgrind_supp = os.path.join(tempfile.mkdtemp(prefix="zentrel-e2e-vg-"), "valgrind.supp")
+        valgrind_suppressions(args.leaks, args.valgrind_supp)
     passed = failed = 0
     for path in args.cases:
         try:
@@ -512,7 +581,12 @@ def main():
             failed += 1
             continue
         state_dir = tempfile.mkdtemp(prefix="zentrel-e2e-state-")
-        for case in cases:
+        picked = set(range(0, len(cases), max(1, args.every)))
+        for i in sorted(picked):
+            state = cases[i]["headers"].get("state")
+            if state is not None:
+                picked.update(j for j in range(i) if cases[j]["headers"].get("state") == state)
+        for case in (cases[i] for i in sorted(picked)):
             where = f"{os.path.basename(path)}:{case['line']} '{case['name']}'"
             started = time.monotonic()
             try:
