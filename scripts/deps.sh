@@ -4,6 +4,7 @@
 #   scripts/deps.sh --arm    also the ARM cross compiler and user-mode emulator
 #   scripts/deps.sh --package    also what builds and checks the Debian packages
 #   scripts/deps.sh --bench      also the benchmark's tools
+#   scripts/deps.sh --fuzz       also clang and libFuzzer (tests/fuzz)
 #   (the flags combine)
 set -euo pipefail
 
@@ -13,6 +14,7 @@ for flag in "$@"; do
     --arm) packages+=(g++-arm-linux-gnueabihf qemu-user) ;;
     --package) packages+=(lintian mandoc groff-base man-db gzip binutils) ;;
     --bench) packages+=(hyperfine valgrind strace time) ;;
+    --fuzz) packages+=(clang-14 libclang-rt-14-dev) ;;
     *) echo "deps.sh: unknown flag $flag" >&2; exit 2 ;;
   esac
 done

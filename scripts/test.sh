@@ -5,7 +5,7 @@
 # packages of the native and ARM builds and checks them; and runs the
 # threaded tests under ThreadSanitizer. Any failure fails the run.
 #   scripts/test.sh            all of them
-#   scripts/test.sh native     only one of: native, sanitize, arm, package, tsan, bench
+#   scripts/test.sh native     only one of: native, sanitize, arm, package, tsan, fuzz, bench
 # The tsan run (ThreadSanitizer) runs only what starts threads: the parallel
 # API test's cases (eight switches at once) and the unit tests of handlers
 # run from several threads. Last, a quick benchmark prints its figures (it
@@ -21,6 +21,7 @@ flags=()
 want arm && flags+=(--arm)
 want package && flags+=(--arm --package)
 want bench && flags+=(--bench)
+want fuzz && flags+=(--fuzz)
 scripts/deps.sh "${flags[@]}"
 
 build() {
@@ -50,6 +51,12 @@ if want package; then
   # Packages are made from the builds above; alone, this run builds them.
   [ -n "$only" ] && build "${native[@]}" && build "${arm[@]}"
   scripts/package-check.sh build-test build-arm
+fi
+# Each libFuzzer target for 30 seconds from its seed corpus; a finding fails
+# the run (scripts/fuzz.sh runs them longer).
+if want fuzz; then
+  echo "=== fuzz"
+  scripts/fuzz.sh 30
 fi
 # The benchmark's figures, for the log: noise on a shared machine is not a
 # failure, so neither is a ratio above its goal.

@@ -60,7 +60,7 @@ Device *FindDevice(std::vector<Device> &devices, uint32_t handle) {
 // not have (the scenario changed) is checked against a default switch and
 // otherwise left in the file as it is.
 bool ApplySwitch(Device *device, const Json &entry, bool powerCycled, Problem *error) {
-    Device scratch;
+    Device scratch{};
     if (device == nullptr) {
         for (const ModelPart *const *part = kModelParts; *part != nullptr; ++part) (*part)->setDefaults(scratch, 0);
         device = &scratch;
