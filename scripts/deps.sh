@@ -6,6 +6,7 @@
 #   scripts/deps.sh --bench      also the benchmark's tools
 #   scripts/deps.sh --valgrind   also valgrind
 #   scripts/deps.sh --lint       also clang-tidy and cppcheck
+#   scripts/deps.sh --fuzz       also clang and libFuzzer (tests/fuzz)
 #   (the flags combine)
 set -euo pipefail
 
@@ -17,6 +18,7 @@ for flag in "$@"; do
     --bench) packages+=(hyperfine valgrind strace time) ;;
     --valgrind) packages+=(valgrind) ;;
     --lint) packages+=(clang-tidy-14 cppcheck) ;;
+    --fuzz) packages+=(clang-14 libclang-rt-14-dev) ;;
     *) echo "deps.sh: unknown flag $flag" >&2; exit 2 ;;
   esac
 done

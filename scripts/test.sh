@@ -13,6 +13,7 @@
 # file under valgrind: no memory error, and no leak but those listed in
 # tests/lsan.supp.
 # The lint run: clang-tidy and cppcheck over the sources (scripts/lint.sh).
+# The fuzz run: each libFuzzer target of tests/fuzz for 30 s (scripts/fuzz.sh).
 # Last, a quick benchmark prints its figures (it never fails the run).
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -27,6 +28,7 @@ want package && flags+=(--arm --package)
 want bench && flags+=(--bench)
 want valgrind && flags+=(--valgrind)
 want lint && flags+=(--lint)
+want fuzz && flags+=(--fuzz)
 scripts/deps.sh "${flags[@]}"
 
 build() {
@@ -67,6 +69,12 @@ if want package; then
   # Packages are made from the builds above; alone, this run builds them.
   [ -n "$only" ] && build "${native[@]}" && build "${arm[@]}"
   scripts/package-check.sh build-test build-arm
+fi
+# Each libFuzzer target for 30 seconds from its seed corpus; a finding fails
+# the run (scripts/fuzz.sh runs them longer).
+if want fuzz; then
+  echo "=== fuzz"
+  scripts/fuzz.sh 30
 fi
 # The benchmark's figures, for the log: noise on a shared machine is not a
 # failure, so neither is a ratio above its goal.

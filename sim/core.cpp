@@ -342,4 +342,16 @@ ZENTREL_STATUS Call::Return(ZENTREL_STATUS status) {
     return status_;
 }
 
+void ResetModel() {
+    std::lock_guard<std::mutex> guard(gState.mutex);
+    gState.loaded = false;
+    gState.unusable = false;
+    gState.initialized = false;
+    gState.devices.clear();
+    gState.found.clear();
+    gState.injections.clear();
+    gState.callCounts.clear();
+    ResetLibParameters();
+}
+
 }  // namespace sim

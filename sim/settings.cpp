@@ -309,6 +309,10 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchSetTime(PTR_ZENTREL_DEVICE Device, PTR_Z
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
+void sim::ResetLibParameters() {
+    sim::gLibParameters = sim::LibParameters();
+}
+
 // The path is traced as text and left out of the record's bytes, whose
 // pointer differs from run to run.
 ZENTREL_API ZENTREL_STATUS ZentrelSetLibParameters(PTR_ZENTREL_LIB_PARAMETERS Params) {

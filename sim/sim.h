@@ -120,6 +120,13 @@ bool ApplyLibraryKeys(const Json &keys, Problem *error);
 bool LoadStateFile(std::vector<Device> &devices);
 void SaveStateFile(const std::vector<Device> &devices);
 
+// Forgets the whole model, as unloading the library would: the next call
+// builds it again from the defaults and the scenario. For programs that run
+// many inputs against the model in one process (the fuzzers).
+void ResetModel();
+// The library's own parameters back to their defaults (part of ResetModel).
+void ResetLibParameters();
+
 // One library call: counts it, applies the scenario's latency and injected
 // status, decides whether the model runs, and traces it with its arguments
 // and request bytes when it ends.

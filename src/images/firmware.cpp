@@ -45,6 +45,10 @@ const char *PickPath(const char *path) {
 
 }  // namespace
 
+void ForgetDownloadOptions() {
+    for (DownloadOption &option : gDownloadOptions) option.value = nullptr;
+}
+
 uint32_t DownloadFirmware(PTR_ZENTREL_DEVICE device, const char *const *words, PTR_ZENTREL_DEVICE_INFO info) {
     if (info->ProductType != ZENTREL_PRODUCT_TYPE_SWITCH) {
         printf("No valid product available, product %d\n", static_cast<int>(info->ProductNumber));

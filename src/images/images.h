@@ -15,6 +15,11 @@ uint32_t DownloadUnitSpecificData(PTR_ZENTREL_DEVICE device, const char *const *
 uint32_t UploadUnitSpecificData(PTR_ZENTREL_DEVICE device, const char *const *words, PTR_ZENTREL_DEVICE_INFO info);
 uint32_t DownloadCfgPage(PTR_ZENTREL_DEVICE device, const char *const *words, PTR_ZENTREL_DEVICE_INFO info);
 
+// The "-f" and "-h" values of -dl and -pldm are kept from one call to the
+// next (they point into the command line); this forgets them, for programs
+// that run many command lines in one process.
+void ForgetDownloadOptions();
+
 // Menu-only: the SBR versions of the process-wide selected switch (the
 // device argument is not used). Returns the Library status.
 uint32_t GetSbrVersion(PTR_ZENTREL_DEVICE device);

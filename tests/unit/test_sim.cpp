@@ -166,4 +166,21 @@ TEST_F(Simulator, TraceShowsArgumentsRequestBytesAndStatus) {
     remove(path);
 }
 
+// A state file may hold a switch the fleet does not have (the scenario
+// changed); after a power cycle it is checked against a default switch
+// whose every value is set, never against leftover memory.
+TEST_F(Simulator, StateOfASwitchNotInTheFleetIsCheckedAfterAPowerCycle) {
+    char path[] = "/tmp/zentrel-state-XXXXXX";
+    int fd = mkstemp(path);
+    ASSERT_GE(fd, 0);
+    const char text[] = "{\"version\": 1, \"powerCycle\": true, \"devices\": {\"0x102\": {\"flash\": {}, \"runtime\": {}}}}";
+    ASSERT_EQ(write(fd, text, sizeof text - 1), static_cast<ssize_t>(sizeof text - 1));
+    close(fd);
+    ZentrelExit();
+    setenv("ZENTREL_SIM_STATE", path, 1);
+    EXPECT_EQ(ZentrelInitialize(), ZENTREL_STATUS_SUCCESS);
+    unsetenv("ZENTREL_SIM_STATE");
+    remove(path);
+}
+
 }  // namespace
