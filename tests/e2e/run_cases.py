@@ -7,7 +7,8 @@ header lines follow, then sections that begin with "--- <section>":
     === temperature of the first switch
     args: -i 0 -temp            words after the program name (shell quoting)
     status: 0                   expected exit status (default 0)
-    signal: QUIT when "text"    send SIGINT/SIGQUIT once stdout ends with text,
+    signal: QUIT when "text"    send SIGINT/SIGQUIT once stdout ends with text
+                                and every thread waits (reads, locks, joins),
     signal: INT while sleeping  or once the program sleeps (a simulated latency),
                                 whatever it has written out by then
     timeout: 20                 seconds (default 10, times the launcher factor)
@@ -102,6 +103,24 @@ def is_sleeping(pid):
         except OSError:
             pass
     return False
+
+
+def is_blocked(pid):
+    """True when every thread of the process waits (at a read, a lock, a
+    join): what it was going to do after its last output is done."""
+    try:
+        tasks = os.listdir(f"/proc/{pid}/task")
+    except OSError:
+        return True
+    for task in tasks:
+        try:
+            with open(f"/proc/{pid}/task/{task}/stat") as f:
+                state = f.read().rsplit(")", 1)[1].split()[0]
+        except (OSError, IndexError):
+            continue
+        if state not in ("S", "D"):
+            return False
+    return True
 
 
 def unescape_line(line, where):
@@ -382,6 +401,12 @@ def run_once(h, args, words, cwd, env, stdin, out, err, where):
                 proc.kill()
                 proc.wait()
             raise CaseError(f"{where}: {what}; output:\n" + bytes(out).decode(errors="replace"))
+        # Other threads may still be on their way to where they wait (a
+        # second thread of the parallel test claiming its switch): the
+        # signal goes once all of them wait, or at the deadline.
+        while m.group(2) is not None and not is_blocked(proc.pid) and proc.poll() is None \
+                and time.monotonic() < deadline:
+            time.sleep(0.01)
         if proc.poll() is None:
             proc.send_signal(signal.SIGINT if m.group(1) == "INT" else signal.SIGQUIT)
     if proc.stdin is not None:
