@@ -6,7 +6,6 @@
 #include <cstdint>
 #include <initializer_list>
 
-#include "frontend/commands.h"
 #include "harness.h"
 
 namespace {
@@ -27,12 +26,6 @@ const Reader kReaders[] = {
 };
 constexpr size_t kReaderCount = sizeof kReaders / sizeof kReaders[0];
 
-void Run(std::initializer_list<const char *> list) {
-    std::vector<std::string> words(list.begin(), list.end());
-    std::vector<char *> argv = fuzz::Argv(words);
-    uint32_t position = 0;
-    DispatchCommand(static_cast<uint32_t>(words.size()), argv.data(), &position);
-}
 
 }  // namespace
 
@@ -49,9 +42,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
         length -= 1 + claims;
     }
     fuzz::WriteFile(reader.file, content, length);
-    Run(reader.words);
+    fuzz::Dispatch(reader.words);
     // A certificate taken is read back out of its slot.
-    if (&reader == &kReaders[kReaderCount - 1]) Run({"-i", "0", "-spdmread", "0", "0"});
+    if (&reader == &kReaders[kReaderCount - 1]) fuzz::Dispatch({"-i", "0", "-spdmread", "0", "0"});
     fuzz::End();
     return 0;
 }

@@ -11,6 +11,7 @@
 #include <cstring>
 #include <ctime>
 
+#include "frontend/commands.h"
 #include "frontend/discovery.h"
 #include "images/images.h"
 #include "sim.h"
@@ -136,6 +137,13 @@ std::vector<char *> Argv(std::vector<std::string> &words) {
     for (std::string &word : words) argv.push_back(word.data());
     argv.push_back(nullptr);
     return argv;
+}
+
+void Dispatch(std::initializer_list<const char *> list) {
+    std::vector<std::string> words(list.begin(), list.end());
+    std::vector<char *> argv = Argv(words);
+    uint32_t position = 0;
+    DispatchCommand(static_cast<uint32_t>(words.size()), argv.data(), &position);
 }
 
 void WriteFile(const char *name, const uint8_t *data, size_t size) {

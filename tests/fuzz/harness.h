@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -36,6 +37,10 @@ void End();
 std::vector<std::string> Words(const uint8_t *data, size_t size);
 // A word list as the dispatcher takes it, ending with a null entry.
 std::vector<char *> Argv(std::vector<std::string> &words);
+
+// Runs one command line (words after the program name) as the utility's
+// command-line dispatcher does.
+void Dispatch(std::initializer_list<const char *> list);
 
 // Writes bytes to a file of the scratch directory.
 void WriteFile(const char *name, const uint8_t *data, size_t size);

@@ -5,19 +5,8 @@
 #include <cstdint>
 #include <cstdlib>
 
-#include "frontend/commands.h"
+#include "zentrel.h"
 #include "harness.h"
-
-namespace {
-
-void Run(std::initializer_list<const char *> list) {
-    std::vector<std::string> words(list.begin(), list.end());
-    std::vector<char *> argv = fuzz::Argv(words);
-    uint32_t position = 0;
-    DispatchCommand(static_cast<uint32_t>(words.size()), argv.data(), &position);
-}
-
-}  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     if (size == 0) return -1;
@@ -29,9 +18,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     fuzz::WriteFile(name, data + 1, size - 1);
     setenv(variable, name, 1);
     if (ZentrelInitialize() == ZENTREL_STATUS_SUCCESS) {
-        Run({"-i", "0", "-ver"});
-        Run({"-i", "1", "-swerr"});
-        Run({"-i", "0", "-GetPortAttr"});
+        fuzz::Dispatch({"-i", "0", "-ver"});
+        fuzz::Dispatch({"-i", "1", "-swerr"});
+        fuzz::Dispatch({"-i", "0", "-GetPortAttr"});
         ZentrelExit();
     }
     unsetenv(variable);
