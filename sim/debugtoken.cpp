@@ -229,7 +229,7 @@ extern const ModelPart kDebugTokenPart = {
 
 using sim::Call;
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchGenerateDebugToken(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchGenerateDebugToken(PTR_ZENTREL_DEVICE Device,
                                                            PTR_ZENTREL_SWITCH_DEBUG_TOKEN_REQ Request) {
     Call call(__func__);
     call.Dev(Device);
@@ -243,7 +243,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchGenerateDebugToken(PTR_ZENTREL_DEVICE De
     return call.Return(sim::Generate(call.Target(), Request));
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchEnableDebugToken(PTR_ZENTREL_DEVICE Device, const uint8_t *Token,
+ZENTREL_STATUS simlib::ZentrelSwitchEnableDebugToken(PTR_ZENTREL_DEVICE Device, const uint8_t *Token,
                                                          uint32_t Length) {
     Call call(__func__);
     call.Dev(Device).Bytes("token", Token, Length < sim::kTracedDataBytes ? Length : sim::kTracedDataBytes);
@@ -252,7 +252,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchEnableDebugToken(PTR_ZENTREL_DEVICE Devi
     return call.Return(sim::Install(call.Target().debugToken, Token, Length));
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetDebugToken(PTR_ZENTREL_DEVICE Device, uint32_t *Filled,
+ZENTREL_STATUS simlib::ZentrelSwitchGetDebugToken(PTR_ZENTREL_DEVICE Device, uint32_t *Filled,
                                                       PTR_ZENTREL_SWITCH_DEBUG_TOKEN_CLAIMS Claims) {
     Call call(__func__);
     call.Dev(Device);
@@ -267,7 +267,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetDebugToken(PTR_ZENTREL_DEVICE Device,
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchDisableDebugToken(PTR_ZENTREL_DEVICE Device) {
+ZENTREL_STATUS simlib::ZentrelSwitchDisableDebugToken(PTR_ZENTREL_DEVICE Device) {
     Call call(__func__);
     call.Dev(Device);
     if (!call.Proceed()) return call.Result();
@@ -278,7 +278,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchDisableDebugToken(PTR_ZENTREL_DEVICE Dev
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetDebugTokenParams(PTR_ZENTREL_DEVICE Device, uint32_t *Filled,
+ZENTREL_STATUS simlib::ZentrelSwitchGetDebugTokenParams(PTR_ZENTREL_DEVICE Device, uint32_t *Filled,
                                                             PTR_ZENTREL_SWITCH_DEBUG_TOKEN_PARAMS Params) {
     Call call(__func__);
     call.Dev(Device);
@@ -293,7 +293,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetDebugTokenParams(PTR_ZENTREL_DEVICE D
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchDebugPortCap(PTR_ZENTREL_DEVICE Device, PTR_ZENTREL_SWITCH_DEBUG_PORT_CAP Caps) {
+ZENTREL_STATUS simlib::ZentrelSwitchDebugPortCap(PTR_ZENTREL_DEVICE Device, PTR_ZENTREL_SWITCH_DEBUG_PORT_CAP Caps) {
     return sim::ReadFromDevice(__func__, Device, Caps,
                                [](const sim::Device &d) { return sim::CurrentPorts(d.debugToken); });
 }

@@ -274,7 +274,7 @@ extern const ModelPart kDesignedAPart = {
 
 using sim::Call;
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetErrInjectionInfo(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchGetErrInjectionInfo(PTR_ZENTREL_DEVICE Device,
                                                             PTR_ZENTREL_SWITCH_GET_ERR_INJECTION_INFO_REQ Request,
                                                             PTR_ZENTREL_SWITCH_GET_ERR_INJECTION_INFO_RESP Response) {
     Call call(__func__);
@@ -293,7 +293,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetErrInjectionInfo(PTR_ZENTREL_DEVICE D
 }
 
 // Errors are injected only on a port whose link is up.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchSetErrInjection(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchSetErrInjection(PTR_ZENTREL_DEVICE Device,
                                                         PTR_ZENTREL_SWITCH_SET_ERR_INJECTION_REQ Request) {
     Call call(__func__);
     call.Dev(Device).Bytes("request", Request, Request != nullptr ? sizeof *Request : 0);
@@ -311,7 +311,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchSetErrInjection(PTR_ZENTREL_DEVICE Devic
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchTLPRoundTripTime(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchTLPRoundTripTime(PTR_ZENTREL_DEVICE Device,
                                                          PTR_ZENTREL_SWITCH_TLP_ROUND_TRIP_TIME_REQ Request,
                                                          PTR_ZENTREL_SWITCH_TLP_ROUND_TRIP_TIME_RESP Response) {
     Call call(__func__);
@@ -329,7 +329,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchTLPRoundTripTime(PTR_ZENTREL_DEVICE Devi
 }
 
 // Starting a capture starts it afresh; stopping keeps what it saw.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchSetCreditCapture(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchSetCreditCapture(PTR_ZENTREL_DEVICE Device,
                                                          PTR_ZENTREL_SWITCH_SET_CREDIT_CAPTURE_REQ Request) {
     Call call(__func__);
     call.Dev(Device).Bytes("request", Request, Request != nullptr ? sizeof *Request : 0);
@@ -348,7 +348,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchSetCreditCapture(PTR_ZENTREL_DEVICE Devi
 }
 
 // While a capture runs, each read finds it some samples further on.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetCreditCapture(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchGetCreditCapture(PTR_ZENTREL_DEVICE Device,
                                                          PTR_ZENTREL_SWITCH_GET_CREDIT_CAPTURE_REQ Request,
                                                          PTR_ZENTREL_SWITCH_GET_CREDIT_CAPTURE_RESP Response) {
     Call call(__func__);
@@ -367,7 +367,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetCreditCapture(PTR_ZENTREL_DEVICE Devi
 
 // "Now" takes the link down at once; "on fatal" arms the port; "none"
 // disarms it and lets a link held down by a condition train again.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchSetLinkDownCondition(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchSetLinkDownCondition(PTR_ZENTREL_DEVICE Device,
                                                              PTR_ZENTREL_SWITCH_SET_LINK_DOWN_CONDITION_REQ Request) {
     Call call(__func__);
     call.Dev(Device).Bytes("request", Request, Request != nullptr ? sizeof *Request : 0);
@@ -385,7 +385,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchSetLinkDownCondition(PTR_ZENTREL_DEVICE 
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetLinkDownConditionStatus(
+ZENTREL_STATUS simlib::ZentrelSwitchGetLinkDownConditionStatus(
     PTR_ZENTREL_DEVICE Device, PTR_ZENTREL_SWITCH_GET_LINK_DOWN_CONDITION_REQ Request,
     PTR_ZENTREL_SWITCH_GET_LINK_DOWN_CONDITION_RESP Response) {
     Call call(__func__);

@@ -305,7 +305,7 @@ extern const ModelPart kDesignedBPart = {
 
 using sim::Call;
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetHistoryBuffersInfo(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchGetHistoryBuffersInfo(PTR_ZENTREL_DEVICE Device,
                                                               PTR_ZENTREL_SWITCH_HISTORY_BUFFERS_INFO_RESP Info) {
     Call call(__func__);
     call.Dev(Device);
@@ -325,7 +325,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetHistoryBuffersInfo(PTR_ZENTREL_DEVICE
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchClearHistoryBuffer(PTR_ZENTREL_DEVICE Device, uint32_t Buffer) {
+ZENTREL_STATUS simlib::ZentrelSwitchClearHistoryBuffer(PTR_ZENTREL_DEVICE Device, uint32_t Buffer) {
     Call call(__func__);
     call.Dev(Device).Arg("buffer", Buffer);
     if (!call.Proceed()) return call.Result();
@@ -337,7 +337,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchClearHistoryBuffer(PTR_ZENTREL_DEVICE De
 }
 
 // A smaller depth keeps the newest entries.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchConfigureHistoryBuffer(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchConfigureHistoryBuffer(PTR_ZENTREL_DEVICE Device,
                                                                PTR_ZENTREL_SWITCH_CONFIGURE_HISTORY_BUFFER_REQ Request) {
     Call call(__func__);
     call.Dev(Device).Bytes("request", Request, sizeof *Request);
@@ -353,7 +353,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchConfigureHistoryBuffer(PTR_ZENTREL_DEVIC
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetHistoryBufferEntries(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchGetHistoryBufferEntries(PTR_ZENTREL_DEVICE Device,
                                                                 PTR_ZENTREL_SWITCH_HISTORY_ENTRIES_REQ Request,
                                                                 PTR_ZENTREL_SWITCH_HISTORY_ENTRIES_RESP Response) {
     Call call(__func__);
@@ -371,7 +371,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetHistoryBufferEntries(PTR_ZENTREL_DEVI
 }
 
 // Clearing zeroes the port's performance counters and keeps its monitoring.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchSetupPerfMonitoring(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchSetupPerfMonitoring(PTR_ZENTREL_DEVICE Device,
                                                             PTR_ZENTREL_SWITCH_PERF_MON_REQ Request,
                                                             PTR_ZENTREL_SWITCH_PERF_MON_RESP Response) {
     Call call(__func__);
@@ -400,7 +400,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchSetupPerfMonitoring(PTR_ZENTREL_DEVICE D
 }
 
 // Setting a trap starts it over; clearing it also drops its logged accesses.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchTrap(PTR_ZENTREL_DEVICE Device, PTR_ZENTREL_SWITCH_TRAP_REQ Request) {
+ZENTREL_STATUS simlib::ZentrelSwitchTrap(PTR_ZENTREL_DEVICE Device, PTR_ZENTREL_SWITCH_TRAP_REQ Request) {
     Call call(__func__);
     call.Dev(Device).Bytes("request", Request, sizeof *Request);
     if (!call.Proceed()) return call.Result();
@@ -421,7 +421,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchTrap(PTR_ZENTREL_DEVICE Device, PTR_ZENT
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetAddressTrapInBatch(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchGetAddressTrapInBatch(PTR_ZENTREL_DEVICE Device,
                                                               PTR_ZENTREL_SWITCH_TRAP_BATCH_REQ Request,
                                                               PTR_ZENTREL_SWITCH_TRAP_BATCH_RESP Response) {
     Call call(__func__);
@@ -438,7 +438,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetAddressTrapInBatch(PTR_ZENTREL_DEVICE
 
 // One 64-bit prefetchable window per assigned downstream port with a device
 // attached, in port order, 256 MiB each from the host port's own base.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetHPARangeInfoRequest(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchGetHPARangeInfoRequest(PTR_ZENTREL_DEVICE Device,
                                                                PTR_ZENTREL_SWITCH_HPA_RANGE_REQ Request,
                                                                PTR_ZENTREL_SWITCH_HPA_RANGE_RESP Response) {
     Call call(__func__);
@@ -470,7 +470,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetHPARangeInfoRequest(PTR_ZENTREL_DEVIC
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchSetEqualizationCtrl(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchSetEqualizationCtrl(PTR_ZENTREL_DEVICE Device,
                                                             PTR_ZENTREL_SWITCH_EQ_CTRL_REQ Request) {
     Call call(__func__);
     call.Dev(Device).Bytes("request", Request, sizeof *Request);
@@ -490,7 +490,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchSetEqualizationCtrl(PTR_ZENTREL_DEVICE D
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchEqualizationCtrlGetBufSize(PTR_ZENTREL_DEVICE Device, uint32_t StartLane,
+ZENTREL_STATUS simlib::ZentrelSwitchEqualizationCtrlGetBufSize(PTR_ZENTREL_DEVICE Device, uint32_t StartLane,
                                                                    uint32_t NumLanes, uint32_t *BufSize) {
     Call call(__func__);
     call.Dev(Device).Arg("startLane", StartLane).Arg("numLanes", NumLanes);
@@ -501,7 +501,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchEqualizationCtrlGetBufSize(PTR_ZENTREL_D
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetEqualizationCtrl(PTR_ZENTREL_DEVICE Device, uint32_t StartLane,
+ZENTREL_STATUS simlib::ZentrelSwitchGetEqualizationCtrl(PTR_ZENTREL_DEVICE Device, uint32_t StartLane,
                                                             uint32_t NumLanes, void *Buffer, uint32_t BufSize) {
     Call call(__func__);
     call.Dev(Device).Arg("startLane", StartLane).Arg("numLanes", NumLanes).Arg("bufSize", BufSize);

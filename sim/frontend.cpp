@@ -95,7 +95,7 @@ extern const ModelPart kFrontendPart = {
 
 using sim::Call;
 
-ZENTREL_API ZENTREL_STATUS ZentrelInitialize(void) {
+ZENTREL_STATUS simlib::ZentrelInitialize(void) {
     Call call(__func__);
     if (!call.Proceed(false)) return call.Result();
     sim::State &model = call.Model();
@@ -107,7 +107,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelInitialize(void) {
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelExit(void) {
+ZENTREL_STATUS simlib::ZentrelExit(void) {
     Call call(__func__);
     if (!call.Proceed()) return call.Result();
     sim::SaveStateFile(call.Model().devices);
@@ -118,7 +118,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelExit(void) {
 // Over SMBus (a device address is given) a switch answers when its address
 // and segment match. In band (address 0) every switch answers to a PCIe
 // location of 0/0/0, otherwise only the one at that bus, device and function.
-ZENTREL_API ZENTREL_STATUS ZentrelDiscoverDevices(uint32_t Mode, PTR_ZENTREL_DISCOVERY_REQ Request) {
+ZENTREL_STATUS simlib::ZentrelDiscoverDevices(uint32_t Mode, PTR_ZENTREL_DISCOVERY_REQ Request) {
     Call call(__func__);
     call.Arg("mode", Mode).Bytes("request", Request, sizeof *Request);
     if (!call.Proceed()) return call.Result();
@@ -142,7 +142,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelDiscoverDevices(uint32_t Mode, PTR_ZENTREL_DIS
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelGetDeviceCount(uint32_t *Count) {
+ZENTREL_STATUS simlib::ZentrelGetDeviceCount(uint32_t *Count) {
     Call call(__func__);
     if (!call.Proceed()) return call.Result();
     if (Count == nullptr) return call.Return(sim::kStatusInvalidParameter);
@@ -150,7 +150,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelGetDeviceCount(uint32_t *Count) {
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelGetDeviceInfo(uint32_t Index, uint32_t Length, PTR_ZENTREL_DEVICE_INFO Info) {
+ZENTREL_STATUS simlib::ZentrelGetDeviceInfo(uint32_t Index, uint32_t Length, PTR_ZENTREL_DEVICE_INFO Info) {
     Call call(__func__);
     call.Arg("index", Index).Arg("length", Length);
     if (!call.Proceed()) return call.Result();

@@ -181,7 +181,7 @@ extern const ModelPart kImagesPart = {
 
 using sim::Call;
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchDownloadFirmware(PTR_ZENTREL_DEVICE Device, uint32_t Reserved1,
+ZENTREL_STATUS simlib::ZentrelSwitchDownloadFirmware(PTR_ZENTREL_DEVICE Device, uint32_t Reserved1,
                                                          uint32_t Reserved2, uint32_t Reserved3, uint8_t *Image,
                                                          uint32_t ImageLength) {
     Call call(__func__);
@@ -194,7 +194,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchDownloadFirmware(PTR_ZENTREL_DEVICE Devi
 
 // The request repeats the image and its length; both must agree with the
 // arguments. Its pointer is not traced, only its other bytes.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchDownloadPldmFirmware(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchDownloadPldmFirmware(PTR_ZENTREL_DEVICE Device,
                                                              PTR_ZENTREL_SWITCH_PLDM_DOWNLOAD_REQ Request,
                                                              uint8_t *Image, uint32_t ImageLength) {
     Call call(__func__);
@@ -211,7 +211,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchDownloadPldmFirmware(PTR_ZENTREL_DEVICE 
 // A set selects a configuration the switch holds and fills the selected
 // one; a get fills all three outputs. The trace shows which outputs were
 // given, never the pointers.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchSBRMFGConfiguration(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchSBRMFGConfiguration(PTR_ZENTREL_DEVICE Device,
                                                             PTR_ZENTREL_SWITCH_SBR_MFG_CFG_REQ Request) {
     Call call(__func__);
     call.Dev(Device).Bytes("request", Request, sim::kSbrMfgRequestBytes);
@@ -243,14 +243,14 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchSBRMFGConfiguration(PTR_ZENTREL_DEVICE D
 }
 
 // The data replaces the region's; an empty or over-long one is refused.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchDownloadUnitSpecificData(PTR_ZENTREL_DEVICE Device, uint8_t *Image,
+ZENTREL_STATUS simlib::ZentrelSwitchDownloadUnitSpecificData(PTR_ZENTREL_DEVICE Device, uint8_t *Image,
                                                                  uint32_t ImageLength) {
     return sim::Replace(__func__, Device, Image, ImageLength, ZENTREL_USD_REGION_MAX, &sim::ImagesModel::usd);
 }
 
 // Without a buffer: the region's size. With one: the region, when *Size
 // bytes hold it.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchUploadUnitSpecificData(PTR_ZENTREL_DEVICE Device, uint8_t *Buffer,
+ZENTREL_STATUS simlib::ZentrelSwitchUploadUnitSpecificData(PTR_ZENTREL_DEVICE Device, uint8_t *Buffer,
                                                                uint32_t *Size) {
     Call call(__func__);
     call.Dev(Device);
@@ -269,7 +269,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchUploadUnitSpecificData(PTR_ZENTREL_DEVIC
 
 // The page replaces the switch's; an empty one, or one of more than 4096
 // bytes, is refused.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchDownloadMfgCfgPage(PTR_ZENTREL_DEVICE Device, uint8_t *Image,
+ZENTREL_STATUS simlib::ZentrelSwitchDownloadMfgCfgPage(PTR_ZENTREL_DEVICE Device, uint8_t *Image,
                                                            uint32_t ImageLength) {
     return sim::Replace(__func__, Device, Image, ImageLength, sim::kCfgPageMax, &sim::ImagesModel::cfgPage);
 }

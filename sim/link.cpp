@@ -454,7 +454,7 @@ constexpr uint32_t kTracedBytes = 64;
 
 // Addresses from 0x60800000 to 0x608FFFFF, at most 4096 bytes a call; a
 // read of a probe register samples the selected port's LTSSM.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchMemoryRead(PTR_ZENTREL_DEVICE Device, uint32_t Address, void *Buffer,
+ZENTREL_STATUS simlib::ZentrelSwitchMemoryRead(PTR_ZENTREL_DEVICE Device, uint32_t Address, void *Buffer,
                                                    uint32_t Count) {
     Call call(__func__);
     call.Dev(Device).HexArg("address", Address).Arg("count", Count);
@@ -473,7 +473,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchMemoryRead(PTR_ZENTREL_DEVICE Device, ui
 }
 
 // Words written in part keep their other bytes.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchMemoryWrite(PTR_ZENTREL_DEVICE Device, uint32_t Address, const void *Buffer,
+ZENTREL_STATUS simlib::ZentrelSwitchMemoryWrite(PTR_ZENTREL_DEVICE Device, uint32_t Address, const void *Buffer,
                                                     uint32_t Count) {
     Call call(__func__);
     call.Dev(Device).HexArg("address", Address).Bytes("data", Buffer, Count < kTracedBytes ? Count : kTracedBytes);
@@ -495,7 +495,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchMemoryWrite(PTR_ZENTREL_DEVICE Device, u
 
 // Disarms the port's trigger and dumps it into the directory, which must
 // exist. Nothing armed: nothing to dump, and success.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchStopAndGetLtssmTrigger(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchStopAndGetLtssmTrigger(PTR_ZENTREL_DEVICE Device,
                                                                PTR_ZENTREL_SWITCH_LTSSM_TRIGGER Trigger,
                                                                const char *DumpDirectory) {
     Call call(__func__);
@@ -514,7 +514,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchStopAndGetLtssmTrigger(PTR_ZENTREL_DEVIC
 
 // A condition above 0xFFF is no LTSSM state: the firmware sets its default,
 // Polling.Active, and says so through FwTriggerVal.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchLtssmSetupTrigger(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchLtssmSetupTrigger(PTR_ZENTREL_DEVICE Device,
                                                           PTR_ZENTREL_SWITCH_LTSSM_TRIGGER Trigger,
                                                           uint32_t *FwTriggerVal) {
     Call call(__func__);
@@ -529,7 +529,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchLtssmSetupTrigger(PTR_ZENTREL_DEVICE Dev
 }
 
 // Time passes between queries: each one walks the port's LTSSM a step.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchLtssmIsTriggerred(PTR_ZENTREL_DEVICE Device, uint32_t PortNumber,
+ZENTREL_STATUS simlib::ZentrelSwitchLtssmIsTriggerred(PTR_ZENTREL_DEVICE Device, uint32_t PortNumber,
                                                           uint32_t *Triggered) {
     Call call(__func__);
     call.Dev(Device).Arg("port", PortNumber);
@@ -544,7 +544,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchLtssmIsTriggerred(PTR_ZENTREL_DEVICE Dev
 
 // Polling.Active and L0 only, with the fixed parameters 10, 0, 16, 39, 0
 // and every reserved byte zero.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchSetupLtssmMonitor(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchSetupLtssmMonitor(PTR_ZENTREL_DEVICE Device,
                                                           PTR_ZENTREL_SWITCH_SETUP_LTSSM_MONITOR_REQ Request) {
     Call call(__func__);
     call.Dev(Device).Bytes("request", Request, sizeof *Request);
@@ -566,7 +566,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchSetupLtssmMonitor(PTR_ZENTREL_DEVICE Dev
 
 // Each read counts the traffic of the statistic window (1000 ms when none is
 // given) and reports the counters before and after it.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetPciePortPerformance(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchGetPciePortPerformance(PTR_ZENTREL_DEVICE Device,
                                                                PTR_ZENTREL_SWITCH_PCIE_PORT_PERFORMANCE Performance) {
     Call call(__func__);
     call.Dev(Device).Bytes("request", Performance, 16).Arg("port", Performance != nullptr ? Performance->PortNumber : 0);

@@ -336,7 +336,7 @@ extern const ModelPart kPhyPart = {
 
 using sim::Call;
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetLaneMarginCapacities(PTR_ZENTREL_DEVICE Device, uint8_t Port,
+ZENTREL_STATUS simlib::ZentrelSwitchGetLaneMarginCapacities(PTR_ZENTREL_DEVICE Device, uint8_t Port,
                                                                 uint16_t Lane, uint32_t *MarginControlCaps,
                                                                 uint32_t *Steps, uint32_t *Offsets) {
     Call call(__func__);
@@ -357,7 +357,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetLaneMarginCapacities(PTR_ZENTREL_DEVI
 // Each direction is margined up to the steps asked for; a lane passes them
 // all, or stops where its errors pass the limit (a larger limit reaches a
 // little further).
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchPerformLaneMargining(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchPerformLaneMargining(PTR_ZENTREL_DEVICE Device,
                                                              PTR_ZENTREL_SWITCH_LANE_MARGIN_REQ Request,
                                                              PTR_ZENTREL_SWITCH_LANE_MARGIN_RESULT Results) {
     Call call(__func__);
@@ -407,7 +407,7 @@ void WriteEyeHeader(const sim::EyeScan &scan, PTR_ZENTREL_SWITCH_HW_EYE eye) {
 
 }  // namespace
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchHardwareEyeStart(PTR_ZENTREL_DEVICE Device, uint32_t StartLane,
+ZENTREL_STATUS simlib::ZentrelSwitchHardwareEyeStart(PTR_ZENTREL_DEVICE Device, uint32_t StartLane,
                                                          uint32_t NumLanes, uint32_t TargetBer,
                                                          PTR_ZENTREL_SWITCH_HW_EYE Eye) {
     Call call(__func__);
@@ -420,7 +420,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchHardwareEyeStart(PTR_ZENTREL_DEVICE Devi
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchHardwareEyePoll(PTR_ZENTREL_DEVICE Device, uint32_t StartLane,
+ZENTREL_STATUS simlib::ZentrelSwitchHardwareEyePoll(PTR_ZENTREL_DEVICE Device, uint32_t StartLane,
                                                         uint32_t NumLanes, PTR_ZENTREL_SWITCH_HW_EYE Eye) {
     Call call(__func__);
     call.Dev(Device).Arg("startLane", StartLane).Arg("numLanes", NumLanes);
@@ -432,7 +432,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchHardwareEyePoll(PTR_ZENTREL_DEVICE Devic
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchHardwareEyeGet(PTR_ZENTREL_DEVICE Device, uint32_t StartLane,
+ZENTREL_STATUS simlib::ZentrelSwitchHardwareEyeGet(PTR_ZENTREL_DEVICE Device, uint32_t StartLane,
                                                        uint32_t NumLanes, PTR_ZENTREL_SWITCH_HW_EYE Eye) {
     Call call(__func__);
     call.Dev(Device).Arg("startLane", StartLane).Arg("numLanes", NumLanes);
@@ -445,7 +445,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchHardwareEyeGet(PTR_ZENTREL_DEVICE Device
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchHardwareEyeClean(PTR_ZENTREL_DEVICE Device, uint32_t StartLane,
+ZENTREL_STATUS simlib::ZentrelSwitchHardwareEyeClean(PTR_ZENTREL_DEVICE Device, uint32_t StartLane,
                                                          uint32_t NumLanes, PTR_ZENTREL_SWITCH_HW_EYE Eye) {
     Call call(__func__);
     call.Dev(Device).Arg("startLane", StartLane).Arg("numLanes", NumLanes);
@@ -457,7 +457,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchHardwareEyeClean(PTR_ZENTREL_DEVICE Devi
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchRxEqStatus(PTR_ZENTREL_DEVICE Device, uint32_t StartLane, uint32_t NumLanes,
+ZENTREL_STATUS simlib::ZentrelSwitchRxEqStatus(PTR_ZENTREL_DEVICE Device, uint32_t StartLane, uint32_t NumLanes,
                                                    PTR_ZENTREL_SWITCH_RX_EQ_STATUS Status) {
     Call call(__func__);
     call.Dev(Device).Arg("startLane", StartLane).Arg("numLanes", NumLanes);
@@ -471,7 +471,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchRxEqStatus(PTR_ZENTREL_DEVICE Device, ui
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchTxCoeff(PTR_ZENTREL_DEVICE Device, uint32_t StartLane, uint32_t NumLanes,
+ZENTREL_STATUS simlib::ZentrelSwitchTxCoeff(PTR_ZENTREL_DEVICE Device, uint32_t StartLane, uint32_t NumLanes,
                                                 uint32_t Reserved, PTR_ZENTREL_SWITCH_TX_COEFF Coefficients) {
     Call call(__func__);
     call.Dev(Device).Arg("startLane", StartLane).Arg("numLanes", NumLanes).Arg("reserved", Reserved);
@@ -488,7 +488,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchTxCoeff(PTR_ZENTREL_DEVICE Device, uint3
 
 // A lane of the switch, or every lane of a port that exists, as wide as
 // the port can be.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetSerdesInfo(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchGetSerdesInfo(PTR_ZENTREL_DEVICE Device,
                                                       PTR_ZENTREL_SWITCH_SERDES_INFO_REQ Request,
                                                       PTR_ZENTREL_SWITCH_SERDES_INFO_RESP Response) {
     Call call(__func__);
@@ -517,7 +517,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetSerdesInfo(PTR_ZENTREL_DEVICE Device,
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchPrbs(PTR_ZENTREL_DEVICE Device, PTR_ZENTREL_SWITCH_PRBS_REQ Request,
+ZENTREL_STATUS simlib::ZentrelSwitchPrbs(PTR_ZENTREL_DEVICE Device, PTR_ZENTREL_SWITCH_PRBS_REQ Request,
                                              PTR_ZENTREL_SWITCH_PRBS_CHECKER_RESP Response) {
     Call call(__func__);
     call.Dev(Device).Bytes("request", Request, sizeof *Request);

@@ -362,7 +362,7 @@ extern const ModelPart kSecurityPart = {
 
 using sim::Call;
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchSecureBootInfo(PTR_ZENTREL_DEVICE Device, uint32_t *Filled,
+ZENTREL_STATUS simlib::ZentrelSwitchSecureBootInfo(PTR_ZENTREL_DEVICE Device, uint32_t *Filled,
                                                        PTR_ZENTREL_SWITCH_SECURE_BOOT_INFO Info) {
     Call call(__func__);
     call.Dev(Device);
@@ -373,7 +373,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchSecureBootInfo(PTR_ZENTREL_DEVICE Device
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetSPDMInfo(PTR_ZENTREL_DEVICE Device, PTR_ZENTREL_SWITCH_SPDM_INFO Info) {
+ZENTREL_STATUS simlib::ZentrelSwitchGetSPDMInfo(PTR_ZENTREL_DEVICE Device, PTR_ZENTREL_SWITCH_SPDM_INFO Info) {
     Call call(__func__);
     call.Dev(Device);
     if (!call.Proceed()) return call.Result();
@@ -392,7 +392,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetSPDMInfo(PTR_ZENTREL_DEVICE Device, P
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchSpdmSecureInfo(PTR_ZENTREL_DEVICE Device, uint32_t *Filled,
+ZENTREL_STATUS simlib::ZentrelSwitchSpdmSecureInfo(PTR_ZENTREL_DEVICE Device, uint32_t *Filled,
                                                        PTR_ZENTREL_SWITCH_SPDM_SECURE_INFO Info) {
     Call call(__func__);
     call.Dev(Device);
@@ -414,7 +414,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchSpdmSecureInfo(PTR_ZENTREL_DEVICE Device
 
 // The switch makes a new key for the slot and writes the request for its
 // certificate; a sealed slot keeps its key.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchSPDMExportCSR(PTR_ZENTREL_DEVICE Device, uint8_t Slot, uint8_t SlotGroup,
+ZENTREL_STATUS simlib::ZentrelSwitchSPDMExportCSR(PTR_ZENTREL_DEVICE Device, uint8_t Slot, uint8_t SlotGroup,
                                                       const char *FileName) {
     return sim::SlotCall(__func__, Device, Slot, SlotGroup, FileName, [&](sim::Device &d, sim::SpdmSlot &slot) {
         if (slot.sealed) return static_cast<ZENTREL_STATUS>(sim::kStatusSlotSealed);
@@ -423,7 +423,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchSPDMExportCSR(PTR_ZENTREL_DEVICE Device,
     });
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchSPDMImportCertificate(PTR_ZENTREL_DEVICE Device, uint8_t Slot,
+ZENTREL_STATUS simlib::ZentrelSwitchSPDMImportCertificate(PTR_ZENTREL_DEVICE Device, uint8_t Slot,
                                                               uint8_t SlotGroup, const char *FileName) {
     return sim::SlotCall(__func__, Device, Slot, SlotGroup, FileName, [&](sim::Device &, sim::SpdmSlot &slot) {
         if (slot.sealed) return static_cast<ZENTREL_STATUS>(sim::kStatusSlotSealed);
@@ -440,7 +440,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchSPDMImportCertificate(PTR_ZENTREL_DEVICE
     });
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchSPDMReadSlotCertificate(PTR_ZENTREL_DEVICE Device, uint8_t Slot,
+ZENTREL_STATUS simlib::ZentrelSwitchSPDMReadSlotCertificate(PTR_ZENTREL_DEVICE Device, uint8_t Slot,
                                                                 uint8_t SlotGroup, const char *FileName) {
     return sim::SlotCall(__func__, Device, Slot, SlotGroup, FileName, [&](sim::Device &, sim::SpdmSlot &slot) {
         if (!slot.occupied) return static_cast<ZENTREL_STATUS>(sim::kStatusSlotEmpty);
@@ -450,7 +450,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchSPDMReadSlotCertificate(PTR_ZENTREL_DEVI
 }
 
 // Invalidating an empty slot is accepted and changes nothing.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchSPDMSlotManagement(PTR_ZENTREL_DEVICE Device, uint8_t Slot, uint8_t SlotGroup) {
+ZENTREL_STATUS simlib::ZentrelSwitchSPDMSlotManagement(PTR_ZENTREL_DEVICE Device, uint8_t Slot, uint8_t SlotGroup) {
     return sim::SlotCall(__func__, Device, Slot, SlotGroup, nullptr, [](sim::Device &, sim::SpdmSlot &slot) {
         if (slot.sealed) return static_cast<ZENTREL_STATUS>(sim::kStatusSlotSealed);
         slot.occupied = false;

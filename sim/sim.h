@@ -21,6 +21,15 @@
 #include "status_model.h"
 #include "topology_model.h"
 #include "zentrel.h"
+#include "interface.h"
+
+// The model of each library function; the exported function of the same
+// name (sim/exports.cpp) calls it, or replays the call from a recording.
+namespace simlib {
+#define ZENTREL_FUNCTION(name, ...) ZENTREL_STATUS name(ZI_PARAMS(__VA_ARGS__));
+#include "zentrel_interface.def"
+#undef ZENTREL_FUNCTION
+}  // namespace simlib
 
 namespace sim {
 
@@ -31,6 +40,7 @@ enum : ZENTREL_STATUS {
     kStatusInvalidParameter = 0x2, // null record, wrong length, index out of range
     kStatusNoSuchDevice = 0x3,     // the device argument names no simulated switch
     kStatusNotInitialized = 0x4,   // called before ZentrelInitialize
+    kStatusNotRecorded = 0x5,      // replay: the recording holds no such call next
 };
 
 // One simulated switch.
@@ -158,6 +168,11 @@ private:
     std::unique_lock<std::mutex> lock_;
     ZENTREL_STATUS status_ = 0;
 };
+
+// Replay of a recording (ZENTREL_SIM_REPLAY): whether one is named, and
+// one call answered from it instead of the model.
+bool Replaying();
+ZENTREL_STATUS Replay(const char *function, zrec::Arg *args, size_t count);
 
 // Files the library reads or writes for its caller, by the name it was given.
 // ReadFileBytes: false when the file is not a readable regular file or is

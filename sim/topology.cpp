@@ -615,7 +615,7 @@ extern const ModelPart kTopologyPart = {
 
 using sim::Call;
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetPortAttr(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchGetPortAttr(PTR_ZENTREL_DEVICE Device,
                                                     PTR_ZENTREL_SWITCH_GET_PORT_ATTR_REQ Request,
                                                     PTR_ZENTREL_SWITCH_GET_PORT_ATTR_RESP Response) {
     Call call(__func__);
@@ -648,7 +648,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetPortAttr(PTR_ZENTREL_DEVICE Device,
 
 // The caller sizes the list from the counts it was given (the length the
 // header defines, cut to 16 bits); no more than that is written.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetDSAllDeviceInfo(PTR_ZENTREL_DEVICE Device, uint32_t Selector,
+ZENTREL_STATUS simlib::ZentrelSwitchGetDSAllDeviceInfo(PTR_ZENTREL_DEVICE Device, uint32_t Selector,
                                                            void *Buffer) {
     Call call(__func__);
     call.Dev(Device).HexArg("selector", Selector);
@@ -670,7 +670,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetDSAllDeviceInfo(PTR_ZENTREL_DEVICE De
 
 // Binds a downstream port of this switch to a host port's vDSP, at runtime
 // (moving it from a vDSP it was bound to), in the configuration page, or both.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchPortDsVDspBind(PTR_ZENTREL_DEVICE Device, uint32_t DsPort, uint32_t HostPort,
+ZENTREL_STATUS simlib::ZentrelSwitchPortDsVDspBind(PTR_ZENTREL_DEVICE Device, uint32_t DsPort, uint32_t HostPort,
                                                        uint32_t AssignRule, uint16_t VdspId) {
     Call call(__func__);
     call.Dev(Device).HexArg("dsPort", DsPort).HexArg("hostPort", HostPort).Arg("rule", AssignRule).Arg("vdsp", VdspId);
@@ -693,7 +693,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchPortDsVDspBind(PTR_ZENTREL_DEVICE Device
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchPortDsVDspUnbind(PTR_ZENTREL_DEVICE Device, uint32_t HostPort,
+ZENTREL_STATUS simlib::ZentrelSwitchPortDsVDspUnbind(PTR_ZENTREL_DEVICE Device, uint32_t HostPort,
                                                          uint32_t AssignRule, uint16_t VdspId) {
     Call call(__func__);
     call.Dev(Device).HexArg("hostPort", HostPort).Arg("rule", AssignRule).Arg("vdsp", VdspId);
@@ -710,7 +710,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchPortDsVDspUnbind(PTR_ZENTREL_DEVICE Devi
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetHostPortVDSPInfo(PTR_ZENTREL_DEVICE Device, uint32_t HostPort,
+ZENTREL_STATUS simlib::ZentrelSwitchGetHostPortVDSPInfo(PTR_ZENTREL_DEVICE Device, uint32_t HostPort,
                                                             PTR_ZENTREL_SWITCH_HOST_PORT_VDSP_INFO Info) {
     Call call(__func__);
     call.Dev(Device).HexArg("hostPort", HostPort);
@@ -733,7 +733,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetHostPortVDSPInfo(PTR_ZENTREL_DEVICE D
 
 // Reads DataLength bytes of a capability's registers into the data area
 // (which the caller makes that long).
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchReadPortCSR(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchReadPortCSR(PTR_ZENTREL_DEVICE Device,
                                                     PTR_ZENTREL_SWITCH_PORT_CSR_ACCESS Access) {
     Call call(__func__);
     call.Dev(Device).Bytes("access", Access, Access != nullptr ? sizeof *Access : 0);
@@ -747,7 +747,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchReadPortCSR(PTR_ZENTREL_DEVICE Device,
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchWritePortCSR(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchWritePortCSR(PTR_ZENTREL_DEVICE Device,
                                                      PTR_ZENTREL_SWITCH_PORT_CSR_ACCESS Access) {
     Call call(__func__);
     call.Dev(Device).Bytes("access", Access, Access != nullptr ? sizeof *Access : 0);
@@ -762,18 +762,18 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchWritePortCSR(PTR_ZENTREL_DEVICE Device,
 }
 
 // A disabled port's link is down until the port is enabled again.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchControlPortEnbl(PTR_ZENTREL_DEVICE Device, uint32_t Port) {
+ZENTREL_STATUS simlib::ZentrelSwitchControlPortEnbl(PTR_ZENTREL_DEVICE Device, uint32_t Port) {
     return sim::PortControl(__func__, Device, Port, true);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchControlPortDsbl(PTR_ZENTREL_DEVICE Device, uint32_t Port) {
+ZENTREL_STATUS simlib::ZentrelSwitchControlPortDsbl(PTR_ZENTREL_DEVICE Device, uint32_t Port) {
     return sim::PortControl(__func__, Device, Port, false);
 }
 
 // The flags are read from the capability registers, so register writes
 // show: hot-plug capable in the slot capabilities, MSI and MSI-X enables
 // in their message control, AER and virtual channel by their presence.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetPciCapabilities(PTR_ZENTREL_DEVICE Device, uint8_t Port,
+ZENTREL_STATUS simlib::ZentrelSwitchGetPciCapabilities(PTR_ZENTREL_DEVICE Device, uint8_t Port,
                                                            PTR_ZENTREL_SWITCH_PCI_CAPABILITIES Capabilities) {
     Call call(__func__);
     call.Dev(Device).Arg("port", Port);
@@ -789,7 +789,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetPciCapabilities(PTR_ZENTREL_DEVICE De
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetProperties(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchGetProperties(PTR_ZENTREL_DEVICE Device,
                                                       PTR_ZENTREL_SWITCH_GET_PROP_RESP Response) {
     return sim::ReadFromDevice(__func__, Device, Response,
                                [](const sim::Device &d) { return d.topology.properties; });
@@ -797,7 +797,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetProperties(PTR_ZENTREL_DEVICE Device,
 
 // Buffer 0's access flags of a host port, for the current session, future
 // sessions or both; the control setting cannot be set.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchSetMpiMgmtPage(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchSetMpiMgmtPage(PTR_ZENTREL_DEVICE Device,
                                                        PTR_ZENTREL_SWITCH_SET_MPI_MGMT_PAGE_ACCESS_REQ Request) {
     Call call(__func__);
     call.Dev(Device).Bytes("request", Request, Request != nullptr ? sizeof *Request : 0);
@@ -815,7 +815,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchSetMpiMgmtPage(PTR_ZENTREL_DEVICE Device
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetMpiMgmtPage(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchGetMpiMgmtPage(PTR_ZENTREL_DEVICE Device,
                                                        PTR_ZENTREL_SWITCH_GET_MPI_MGMT_PAGE_ACCESS_REQ Request,
                                                        PTR_ZENTREL_SWITCH_GET_MPI_MGMT_PAGE_ACCESS_RESP Response) {
     Call call(__func__);
