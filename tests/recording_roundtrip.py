@@ -194,6 +194,34 @@ def refusals(args, work):
     return failures
 
 
+def anonymised(args, work):
+    """An anonymised recording replays with the wafer lot and position and
+    the debug token identity replaced, everything else as recorded."""
+    failures = []
+    script = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "scripts", "anonymise-recording.py")
+    for words, changed in (("-i 0 -GetWaferInfo", ("LotNumber", "WaferNumber", "XCoord", "YCoord")),
+                           ("-i 0 -GetDebugTokenParmas", ("CtiLsb", "CtiMsb", "DebugAuthId"))):
+        cwd = tempfile.mkdtemp(dir=work)
+        recording, anonymous = os.path.join(cwd, "run.rec"), os.path.join(cwd, "anon.rec")
+        env = environment(args, LD_LIBRARY_PATH=args.recorder, ZENTREL_RECORD_LIB=args.sim,
+                          ZENTREL_RECORD_FILE=recording)
+        recorded = run(args, words, cwd, env, b"", 10)
+        with open(anonymous, "wb") as f:
+            f.write(subprocess.run([sys.executable, script, recording], stdout=subprocess.PIPE, check=True).stdout)
+        replayed = run(args, words, cwd, environment(args, ZENTREL_SIM_REPLAY=anonymous), b"", 10)
+        before, after = recorded[1].decode().splitlines(), replayed[1].decode().splitlines()
+        if replayed[0] != recorded[0] or replayed[2] or len(before) != len(after):
+            failures.append(f"{words}: replay of the anonymised recording: {replayed}")
+            continue
+        for old, new in zip(before, after):
+            is_identity = any(word in old for word in changed)
+            if is_identity and old == new:
+                failures.append(f"{words}: {old!r} is still there: {new!r}")
+            if not is_identity and old != new:
+                failures.append(f"{words}: {old!r} became {new!r}")
+    return failures
+
+
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("--binary", required=True)
@@ -209,7 +237,7 @@ def main():
     failed = passed = skipped = 0
     try:
         if args.refusals:
-            for failure in refusals(args, work):
+            for failure in refusals(args, work) + anonymised(args, work):
                 print(f"FAIL refusals: {failure}")
                 failed += 1
         for path in args.cases:
