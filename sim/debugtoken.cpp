@@ -20,11 +20,6 @@ const char *const kDebugTokenFunctions[] = {
 
 namespace {
 
-// The request bytes before the signature pointer are traced, and at most
-// this many bytes of a signature or token.
-constexpr size_t kTracedRequestBytes = offsetof(ZENTREL_SWITCH_DEBUG_TOKEN_REQ, Signature);
-constexpr size_t kTracedDataBytes = 16;
-
 // The claims of a request, in the order a token carries them.
 cbor::Claims RequestClaims(const ZENTREL_SWITCH_DEBUG_TOKEN_REQ &r) {
     return {
@@ -233,11 +228,6 @@ ZENTREL_STATUS simlib::ZentrelSwitchGenerateDebugToken(PTR_ZENTREL_DEVICE Device
                                                            PTR_ZENTREL_SWITCH_DEBUG_TOKEN_REQ Request) {
     Call call(__func__);
     call.Dev(Device);
-    if (Request != nullptr) {
-        size_t shown = Request->SignatureLength < sim::kTracedDataBytes ? Request->SignatureLength : sim::kTracedDataBytes;
-        call.Bytes("request", Request, sim::kTracedRequestBytes).Arg("signatureLength", Request->SignatureLength);
-        call.Bytes("signature", Request->Signature, shown);
-    }
     if (!call.Proceed()) return call.Result();
     if (Request == nullptr) return call.Return(sim::kStatusInvalidParameter);
     return call.Return(sim::Generate(call.Target(), Request));
@@ -246,8 +236,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchGenerateDebugToken(PTR_ZENTREL_DEVICE Device
 ZENTREL_STATUS simlib::ZentrelSwitchEnableDebugToken(PTR_ZENTREL_DEVICE Device, const uint8_t *Token,
                                                          uint32_t Length) {
     Call call(__func__);
-    call.Dev(Device).Bytes("token", Token, Length < sim::kTracedDataBytes ? Length : sim::kTracedDataBytes);
-    call.Arg("length", Length);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     return call.Return(sim::Install(call.Target().debugToken, Token, Length));
 }

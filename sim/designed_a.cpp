@@ -278,7 +278,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchGetErrInjectionInfo(PTR_ZENTREL_DEVICE Devic
                                                             PTR_ZENTREL_SWITCH_GET_ERR_INJECTION_INFO_REQ Request,
                                                             PTR_ZENTREL_SWITCH_GET_ERR_INJECTION_INFO_RESP Response) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, Request != nullptr ? sizeof *Request : 0);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     const sim::Device &d = call.Target();
     if (Request == nullptr || Response == nullptr || !sim::HasPort(d, Request->Port))
@@ -296,7 +296,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchGetErrInjectionInfo(PTR_ZENTREL_DEVICE Devic
 ZENTREL_STATUS simlib::ZentrelSwitchSetErrInjection(PTR_ZENTREL_DEVICE Device,
                                                         PTR_ZENTREL_SWITCH_SET_ERR_INJECTION_REQ Request) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, Request != nullptr ? sizeof *Request : 0);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     sim::Device &d = call.Target();
     if (Request == nullptr || !sim::HasPort(d, Request->Port) || Request->ErrorType > ZENTREL_ERR_INJ_LAST ||
@@ -315,7 +315,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchTLPRoundTripTime(PTR_ZENTREL_DEVICE Device,
                                                          PTR_ZENTREL_SWITCH_TLP_ROUND_TRIP_TIME_REQ Request,
                                                          PTR_ZENTREL_SWITCH_TLP_ROUND_TRIP_TIME_RESP Response) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, Request != nullptr ? sizeof *Request : 0);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     sim::Device &d = call.Target();
     if (Request == nullptr || Response == nullptr || !sim::HasPort(d, Request->Port))
@@ -332,7 +332,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchTLPRoundTripTime(PTR_ZENTREL_DEVICE Device,
 ZENTREL_STATUS simlib::ZentrelSwitchSetCreditCapture(PTR_ZENTREL_DEVICE Device,
                                                          PTR_ZENTREL_SWITCH_SET_CREDIT_CAPTURE_REQ Request) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, Request != nullptr ? sizeof *Request : 0);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     sim::Device &d = call.Target();
     if (Request == nullptr || !sim::HasPort(d, Request->Port) || Request->Enable > 1)
@@ -352,7 +352,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchGetCreditCapture(PTR_ZENTREL_DEVICE Device,
                                                          PTR_ZENTREL_SWITCH_GET_CREDIT_CAPTURE_REQ Request,
                                                          PTR_ZENTREL_SWITCH_GET_CREDIT_CAPTURE_RESP Response) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, Request != nullptr ? sizeof *Request : 0);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     sim::Device &d = call.Target();
     if (Request == nullptr || Response == nullptr || !sim::HasPort(d, Request->Port))
@@ -370,7 +370,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchGetCreditCapture(PTR_ZENTREL_DEVICE Device,
 ZENTREL_STATUS simlib::ZentrelSwitchSetLinkDownCondition(PTR_ZENTREL_DEVICE Device,
                                                              PTR_ZENTREL_SWITCH_SET_LINK_DOWN_CONDITION_REQ Request) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, Request != nullptr ? sizeof *Request : 0);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     sim::Device &d = call.Target();
     if (Request == nullptr || !sim::HasPort(d, Request->Port) ||
@@ -389,7 +389,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchGetLinkDownConditionStatus(
     PTR_ZENTREL_DEVICE Device, PTR_ZENTREL_SWITCH_GET_LINK_DOWN_CONDITION_REQ Request,
     PTR_ZENTREL_SWITCH_GET_LINK_DOWN_CONDITION_RESP Response) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, Request != nullptr ? sizeof *Request : 0);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     const sim::Device &d = call.Target();
     if (Request == nullptr || Response == nullptr || !sim::HasPort(d, Request->Port))

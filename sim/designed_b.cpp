@@ -327,7 +327,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchGetHistoryBuffersInfo(PTR_ZENTREL_DEVICE Dev
 
 ZENTREL_STATUS simlib::ZentrelSwitchClearHistoryBuffer(PTR_ZENTREL_DEVICE Device, uint32_t Buffer) {
     Call call(__func__);
-    call.Dev(Device).Arg("buffer", Buffer);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if (Buffer >= ZENTREL_HISTORY_BUFFER_COUNT) return call.Return(sim::kStatusInvalidParameter);
     sim::HistoryBuffer &b = call.Target().designedB.history[Buffer];
@@ -340,7 +340,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchClearHistoryBuffer(PTR_ZENTREL_DEVICE Device
 ZENTREL_STATUS simlib::ZentrelSwitchConfigureHistoryBuffer(PTR_ZENTREL_DEVICE Device,
                                                                PTR_ZENTREL_SWITCH_CONFIGURE_HISTORY_BUFFER_REQ Request) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, sizeof *Request);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if (Request == nullptr || Request->Buffer >= ZENTREL_HISTORY_BUFFER_COUNT || Request->Enabled > 1 ||
         Request->Wrap > 1 || Request->Depth == 0 || Request->Depth > ZENTREL_HISTORY_MAX_DEPTH)
@@ -357,7 +357,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchGetHistoryBufferEntries(PTR_ZENTREL_DEVICE D
                                                                 PTR_ZENTREL_SWITCH_HISTORY_ENTRIES_REQ Request,
                                                                 PTR_ZENTREL_SWITCH_HISTORY_ENTRIES_RESP Response) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, sizeof *Request);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if (Request == nullptr || Response == nullptr || Request->Buffer >= ZENTREL_HISTORY_BUFFER_COUNT)
         return call.Return(sim::kStatusInvalidParameter);
@@ -375,7 +375,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchSetupPerfMonitoring(PTR_ZENTREL_DEVICE Devic
                                                             PTR_ZENTREL_SWITCH_PERF_MON_REQ Request,
                                                             PTR_ZENTREL_SWITCH_PERF_MON_RESP Response) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, sizeof *Request);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     sim::Device &device = call.Target();
     if (Request == nullptr || Response == nullptr || Request->Operation < ZENTREL_PERF_MON_ENABLE ||
@@ -402,7 +402,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchSetupPerfMonitoring(PTR_ZENTREL_DEVICE Devic
 // Setting a trap starts it over; clearing it also drops its logged accesses.
 ZENTREL_STATUS simlib::ZentrelSwitchTrap(PTR_ZENTREL_DEVICE Device, PTR_ZENTREL_SWITCH_TRAP_REQ Request) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, sizeof *Request);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if (Request == nullptr || Request->Trap >= ZENTREL_TRAP_COUNT) return call.Return(sim::kStatusInvalidParameter);
     sim::DesignedBModel &m = call.Target().designedB;
@@ -425,7 +425,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchGetAddressTrapInBatch(PTR_ZENTREL_DEVICE Dev
                                                               PTR_ZENTREL_SWITCH_TRAP_BATCH_REQ Request,
                                                               PTR_ZENTREL_SWITCH_TRAP_BATCH_RESP Response) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, sizeof *Request);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if (Request == nullptr || Response == nullptr) return call.Return(sim::kStatusInvalidParameter);
     const auto &log = call.Target().designedB.trapLog;
@@ -442,7 +442,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchGetHPARangeInfoRequest(PTR_ZENTREL_DEVICE De
                                                                PTR_ZENTREL_SWITCH_HPA_RANGE_REQ Request,
                                                                PTR_ZENTREL_SWITCH_HPA_RANGE_RESP Response) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, sizeof *Request);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     const sim::Device &device = call.Target();
     if (Request == nullptr || Response == nullptr || !sim::IsHostPort(device, Request->HostPort))
@@ -473,7 +473,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchGetHPARangeInfoRequest(PTR_ZENTREL_DEVICE De
 ZENTREL_STATUS simlib::ZentrelSwitchSetEqualizationCtrl(PTR_ZENTREL_DEVICE Device,
                                                             PTR_ZENTREL_SWITCH_EQ_CTRL_REQ Request) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, sizeof *Request);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     sim::Device &device = call.Target();
     if (Request == nullptr || !sim::LanesOk(device, Request->Lane, 1) || Request->Mode > ZENTREL_EQ_CTRL_FIXED)
@@ -493,7 +493,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchSetEqualizationCtrl(PTR_ZENTREL_DEVICE Devic
 ZENTREL_STATUS simlib::ZentrelSwitchEqualizationCtrlGetBufSize(PTR_ZENTREL_DEVICE Device, uint32_t StartLane,
                                                                    uint32_t NumLanes, uint32_t *BufSize) {
     Call call(__func__);
-    call.Dev(Device).Arg("startLane", StartLane).Arg("numLanes", NumLanes);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if (BufSize == nullptr || !sim::LanesOk(call.Target(), StartLane, NumLanes))
         return call.Return(sim::kStatusInvalidParameter);
@@ -504,7 +504,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchEqualizationCtrlGetBufSize(PTR_ZENTREL_DEVIC
 ZENTREL_STATUS simlib::ZentrelSwitchGetEqualizationCtrl(PTR_ZENTREL_DEVICE Device, uint32_t StartLane,
                                                             uint32_t NumLanes, void *Buffer, uint32_t BufSize) {
     Call call(__func__);
-    call.Dev(Device).Arg("startLane", StartLane).Arg("numLanes", NumLanes).Arg("bufSize", BufSize);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     const sim::Device &device = call.Target();
     if (Buffer == nullptr || !sim::LanesOk(device, StartLane, NumLanes) ||

@@ -309,7 +309,7 @@ using sim::Call;
 ZENTREL_STATUS simlib::ZentrelGetCoreDump(PTR_ZENTREL_DEVICE Device, uint8_t *Buffer, uint32_t *Length,
                                               uint16_t CoreDumpType) {
     Call call(__func__);
-    call.Dev(Device).Arg("length", Length != nullptr ? *Length : 0).Arg("type", CoreDumpType);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if (Buffer == nullptr || Length == nullptr || CoreDumpType > ZENTREL_COREDUMP_DECODED)
         return call.Return(sim::kStatusInvalidParameter);
@@ -329,7 +329,7 @@ ZENTREL_STATUS simlib::ZentrelGetCoreDump(PTR_ZENTREL_DEVICE Device, uint8_t *Bu
 ZENTREL_STATUS simlib::ZentrelSwitchIsCoredumpValid(PTR_ZENTREL_DEVICE Device, uint32_t CoreDumpType,
                                                         uint32_t *Valid, uint32_t *Size) {
     Call call(__func__);
-    call.Dev(Device).Arg("type", CoreDumpType);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if (Valid == nullptr || Size == nullptr || CoreDumpType > ZENTREL_COREDUMP_DECODED)
         return call.Return(sim::kStatusInvalidParameter);
@@ -346,7 +346,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchGetCoredumpInfo(PTR_ZENTREL_DEVICE Device,
                                                         PTR_ZENTREL_SWITCH_COREDUMP_INFO_REQ Request,
                                                         PTR_ZENTREL_SWITCH_COREDUMP_INFO_RESP Response) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, sizeof *Request);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if (Request == nullptr || Response == nullptr || (Request->Flags & ZENTREL_COREDUMP_INFO_REQUESTED) == 0 ||
         Request->CoreDumpType > ZENTREL_COREDUMP_DECODED || Request->ResponseSize < sizeof *Response)
@@ -377,7 +377,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchGetCoredumpInfo(PTR_ZENTREL_DEVICE Device,
 ZENTREL_STATUS simlib::ZentrelSwitchGetDecodedCoreDumpBySection(PTR_ZENTREL_DEVICE Device, uint8_t *Buffer,
                                                                     uint32_t *Length, uint8_t SectionId) {
     Call call(__func__);
-    call.Dev(Device).Arg("length", Length != nullptr ? *Length : 0).Arg("section", SectionId);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if (Length == nullptr || (Buffer == nullptr && *Length != 0)) return call.Return(sim::kStatusInvalidParameter);
     const sim::CoreDump &dump = call.Target().dumps.coreDump;
@@ -405,14 +405,14 @@ ZENTREL_STATUS simlib::ZentrelEraseCoreDump(PTR_ZENTREL_DEVICE Device) {
 
 ZENTREL_STATUS simlib::ZentrelGetTraceBuffer(PTR_ZENTREL_DEVICE Device, uint8_t *Buffer, uint32_t *Length) {
     Call call(__func__);
-    call.Dev(Device).Text("buffer", Buffer == nullptr ? nullptr : "given").Arg("length", Length != nullptr ? *Length : 0);
+    call.Dev(Device);
     return sim::ReadTraceMemory(call, Buffer, Length, false);
 }
 
 ZENTREL_STATUS simlib::ZentrelSwitchGetDecodedTraceBuffer(PTR_ZENTREL_DEVICE Device, uint8_t *Buffer,
                                                               uint32_t *Length) {
     Call call(__func__);
-    call.Dev(Device).Text("buffer", Buffer == nullptr ? nullptr : "given").Arg("length", Length != nullptr ? *Length : 0);
+    call.Dev(Device);
     return sim::ReadTraceMemory(call, Buffer, Length, true);
 }
 
@@ -421,7 +421,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchGetDecodedTraceBuffer(PTR_ZENTREL_DEVICE Dev
 ZENTREL_STATUS simlib::ZentrelSwitchSetTriggerCondForCoreDump(PTR_ZENTREL_DEVICE Device,
                                                                   PTR_ZENTREL_SWITCH_SET_TRIGGER_COND_REQ Request) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, sizeof *Request);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if (Request == nullptr) return call.Return(sim::kStatusInvalidParameter);
     const ZENTREL_SWITCH_SET_TRIGGER_COND_REQ &r = *Request;
@@ -448,7 +448,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchGetTriggerCondForCoreDump(PTR_ZENTREL_DEVICE
                                                                   PTR_ZENTREL_SWITCH_GET_TRIGGER_COND_REQ Request,
                                                                   PTR_ZENTREL_SWITCH_GET_TRIGGER_COND_RESP Response) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, sizeof *Request);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if (Request == nullptr || Response == nullptr || Request->Operation > ZENTREL_TRIGGER_GET_OVERWRITE ||
         Request->QueryType > ZENTREL_TRIGGER_PERSISTENT)

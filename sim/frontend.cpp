@@ -120,7 +120,6 @@ ZENTREL_STATUS simlib::ZentrelExit(void) {
 // location of 0/0/0, otherwise only the one at that bus, device and function.
 ZENTREL_STATUS simlib::ZentrelDiscoverDevices(uint32_t Mode, PTR_ZENTREL_DISCOVERY_REQ Request) {
     Call call(__func__);
-    call.Arg("mode", Mode).Bytes("request", Request, sizeof *Request);
     if (!call.Proceed()) return call.Result();
     if (Request == nullptr || (Mode != ZENTREL_DISCOVERY_MODE_LIST && Mode != ZENTREL_DISCOVERY_MODE_ADDRESS) ||
         Request->FixedWord != ZENTREL_DISCOVERY_FIXED_WORD || Request->FixedByte != ZENTREL_DISCOVERY_FIXED_BYTE)
@@ -152,7 +151,6 @@ ZENTREL_STATUS simlib::ZentrelGetDeviceCount(uint32_t *Count) {
 
 ZENTREL_STATUS simlib::ZentrelGetDeviceInfo(uint32_t Index, uint32_t Length, PTR_ZENTREL_DEVICE_INFO Info) {
     Call call(__func__);
-    call.Arg("index", Index).Arg("length", Length);
     if (!call.Proceed()) return call.Result();
     sim::State &model = call.Model();
     if (Info == nullptr || Length != ZENTREL_DEVICE_INFO_LENGTH) return call.Return(sim::kStatusInvalidParameter);

@@ -449,15 +449,12 @@ extern const ModelPart kLinkPart = {
 
 using sim::Call;
 
-// The trace shows at most this many bytes of a memory read or write.
-constexpr uint32_t kTracedBytes = 64;
-
 // Addresses from 0x60800000 to 0x608FFFFF, at most 4096 bytes a call; a
 // read of a probe register samples the selected port's LTSSM.
 ZENTREL_STATUS simlib::ZentrelSwitchMemoryRead(PTR_ZENTREL_DEVICE Device, uint32_t Address, void *Buffer,
                                                    uint32_t Count) {
     Call call(__func__);
-    call.Dev(Device).HexArg("address", Address).Arg("count", Count);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if ((Buffer == nullptr && Count != 0) || !sim::InRegisterSpace(Address, Count))
         return call.Return(sim::kStatusInvalidParameter);
@@ -468,7 +465,6 @@ ZENTREL_STATUS simlib::ZentrelSwitchMemoryRead(PTR_ZENTREL_DEVICE Device, uint32
         sim::LogMemoryAccess(call.Target().designedB, word, value, false);
         for (uint32_t b = (Address + i) & 3u; b < 4 && i < Count; ++b, ++i) out[i] = static_cast<uint8_t>(value >> (8 * b));
     }
-    call.Bytes("data", Buffer, Count < kTracedBytes ? Count : kTracedBytes);
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
@@ -476,7 +472,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchMemoryRead(PTR_ZENTREL_DEVICE Device, uint32
 ZENTREL_STATUS simlib::ZentrelSwitchMemoryWrite(PTR_ZENTREL_DEVICE Device, uint32_t Address, const void *Buffer,
                                                     uint32_t Count) {
     Call call(__func__);
-    call.Dev(Device).HexArg("address", Address).Bytes("data", Buffer, Count < kTracedBytes ? Count : kTracedBytes);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if ((Buffer == nullptr && Count != 0) || !sim::InRegisterSpace(Address, Count))
         return call.Return(sim::kStatusInvalidParameter);
@@ -499,7 +495,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchStopAndGetLtssmTrigger(PTR_ZENTREL_DEVICE De
                                                                PTR_ZENTREL_SWITCH_LTSSM_TRIGGER Trigger,
                                                                const char *DumpDirectory) {
     Call call(__func__);
-    call.Dev(Device).Bytes("trigger", Trigger, sizeof *Trigger).Text("directory", DumpDirectory);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if (Trigger == nullptr || DumpDirectory == nullptr || Trigger->PortNumber >= sim::kPortCount)
         return call.Return(sim::kStatusInvalidParameter);
@@ -518,7 +514,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchLtssmSetupTrigger(PTR_ZENTREL_DEVICE Device,
                                                           PTR_ZENTREL_SWITCH_LTSSM_TRIGGER Trigger,
                                                           uint32_t *FwTriggerVal) {
     Call call(__func__);
-    call.Dev(Device).Bytes("trigger", Trigger, sizeof *Trigger);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if (Trigger == nullptr || FwTriggerVal == nullptr || Trigger->PortNumber >= sim::kPortCount)
         return call.Return(sim::kStatusInvalidParameter);
@@ -532,7 +528,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchLtssmSetupTrigger(PTR_ZENTREL_DEVICE Device,
 ZENTREL_STATUS simlib::ZentrelSwitchLtssmIsTriggerred(PTR_ZENTREL_DEVICE Device, uint32_t PortNumber,
                                                           uint32_t *Triggered) {
     Call call(__func__);
-    call.Dev(Device).Arg("port", PortNumber);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if (Triggered == nullptr || PortNumber >= sim::kPortCount) return call.Return(sim::kStatusInvalidParameter);
     sim::Device &device = call.Target();
@@ -547,7 +543,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchLtssmIsTriggerred(PTR_ZENTREL_DEVICE Device,
 ZENTREL_STATUS simlib::ZentrelSwitchSetupLtssmMonitor(PTR_ZENTREL_DEVICE Device,
                                                           PTR_ZENTREL_SWITCH_SETUP_LTSSM_MONITOR_REQ Request) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, sizeof *Request);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if (Request == nullptr) return call.Return(sim::kStatusInvalidParameter);
     ZENTREL_SWITCH_SETUP_LTSSM_MONITOR_REQ expected;
@@ -569,7 +565,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchSetupLtssmMonitor(PTR_ZENTREL_DEVICE Device,
 ZENTREL_STATUS simlib::ZentrelSwitchGetPciePortPerformance(PTR_ZENTREL_DEVICE Device,
                                                                PTR_ZENTREL_SWITCH_PCIE_PORT_PERFORMANCE Performance) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Performance, 16).Arg("port", Performance != nullptr ? Performance->PortNumber : 0);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if (Performance == nullptr) return call.Return(sim::kStatusInvalidParameter);
     sim::Device &device = call.Target();

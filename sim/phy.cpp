@@ -340,7 +340,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchGetLaneMarginCapacities(PTR_ZENTREL_DEVICE D
                                                                 uint16_t Lane, uint32_t *MarginControlCaps,
                                                                 uint32_t *Steps, uint32_t *Offsets) {
     Call call(__func__);
-    call.Dev(Device).Arg("port", Port).Arg("lane", Lane);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     const sim::PhyModel &m = call.Target().phy;
     uint32_t lane = 0;
@@ -361,7 +361,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchPerformLaneMargining(PTR_ZENTREL_DEVICE Devi
                                                              PTR_ZENTREL_SWITCH_LANE_MARGIN_REQ Request,
                                                              PTR_ZENTREL_SWITCH_LANE_MARGIN_RESULT Results) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, sizeof *Request);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if (Request == nullptr || Request->Reserved1 != 0) return call.Return(sim::kStatusInvalidParameter);
     const sim::PhyModel &m = call.Target().phy;
@@ -411,7 +411,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchHardwareEyeStart(PTR_ZENTREL_DEVICE Device, 
                                                          uint32_t NumLanes, uint32_t TargetBer,
                                                          PTR_ZENTREL_SWITCH_HW_EYE Eye) {
     Call call(__func__);
-    call.Dev(Device).Arg("startLane", StartLane).Arg("numLanes", NumLanes).HexArg("targetBer", TargetBer);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     sim::PhyModel &m = call.Target().phy;
     if (!EyeCallValid(m, StartLane, NumLanes, Eye, false)) return call.Return(sim::kStatusInvalidParameter);
@@ -423,7 +423,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchHardwareEyeStart(PTR_ZENTREL_DEVICE Device, 
 ZENTREL_STATUS simlib::ZentrelSwitchHardwareEyePoll(PTR_ZENTREL_DEVICE Device, uint32_t StartLane,
                                                         uint32_t NumLanes, PTR_ZENTREL_SWITCH_HW_EYE Eye) {
     Call call(__func__);
-    call.Dev(Device).Arg("startLane", StartLane).Arg("numLanes", NumLanes);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     sim::PhyModel &m = call.Target().phy;
     if (!EyeCallValid(m, StartLane, NumLanes, Eye, true)) return call.Return(sim::kStatusInvalidParameter);
@@ -435,7 +435,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchHardwareEyePoll(PTR_ZENTREL_DEVICE Device, u
 ZENTREL_STATUS simlib::ZentrelSwitchHardwareEyeGet(PTR_ZENTREL_DEVICE Device, uint32_t StartLane,
                                                        uint32_t NumLanes, PTR_ZENTREL_SWITCH_HW_EYE Eye) {
     Call call(__func__);
-    call.Dev(Device).Arg("startLane", StartLane).Arg("numLanes", NumLanes);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     const sim::PhyModel &m = call.Target().phy;
     if (!EyeCallValid(m, StartLane, NumLanes, Eye, true)) return call.Return(sim::kStatusInvalidParameter);
@@ -448,7 +448,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchHardwareEyeGet(PTR_ZENTREL_DEVICE Device, ui
 ZENTREL_STATUS simlib::ZentrelSwitchHardwareEyeClean(PTR_ZENTREL_DEVICE Device, uint32_t StartLane,
                                                          uint32_t NumLanes, PTR_ZENTREL_SWITCH_HW_EYE Eye) {
     Call call(__func__);
-    call.Dev(Device).Arg("startLane", StartLane).Arg("numLanes", NumLanes);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     sim::PhyModel &m = call.Target().phy;
     if (!EyeCallValid(m, StartLane, NumLanes, Eye, true)) return call.Return(sim::kStatusInvalidParameter);
@@ -460,7 +460,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchHardwareEyeClean(PTR_ZENTREL_DEVICE Device, 
 ZENTREL_STATUS simlib::ZentrelSwitchRxEqStatus(PTR_ZENTREL_DEVICE Device, uint32_t StartLane, uint32_t NumLanes,
                                                    PTR_ZENTREL_SWITCH_RX_EQ_STATUS Status) {
     Call call(__func__);
-    call.Dev(Device).Arg("startLane", StartLane).Arg("numLanes", NumLanes);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     const sim::PhyModel &m = call.Target().phy;
     if (Status == nullptr || !sim::LanesExist(m, StartLane, NumLanes)) return call.Return(sim::kStatusInvalidParameter);
@@ -474,7 +474,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchRxEqStatus(PTR_ZENTREL_DEVICE Device, uint32
 ZENTREL_STATUS simlib::ZentrelSwitchTxCoeff(PTR_ZENTREL_DEVICE Device, uint32_t StartLane, uint32_t NumLanes,
                                                 uint32_t Reserved, PTR_ZENTREL_SWITCH_TX_COEFF Coefficients) {
     Call call(__func__);
-    call.Dev(Device).Arg("startLane", StartLane).Arg("numLanes", NumLanes).Arg("reserved", Reserved);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     const sim::PhyModel &m = call.Target().phy;
     if (Coefficients == nullptr || Reserved != 0 || !sim::LanesExist(m, StartLane, NumLanes))
@@ -492,7 +492,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchGetSerdesInfo(PTR_ZENTREL_DEVICE Device,
                                                       PTR_ZENTREL_SWITCH_SERDES_INFO_REQ Request,
                                                       PTR_ZENTREL_SWITCH_SERDES_INFO_RESP Response) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, sizeof *Request);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if (Request == nullptr || Response == nullptr) return call.Return(sim::kStatusInvalidParameter);
     const sim::Device &d = call.Target();
@@ -520,7 +520,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchGetSerdesInfo(PTR_ZENTREL_DEVICE Device,
 ZENTREL_STATUS simlib::ZentrelSwitchPrbs(PTR_ZENTREL_DEVICE Device, PTR_ZENTREL_SWITCH_PRBS_REQ Request,
                                              PTR_ZENTREL_SWITCH_PRBS_CHECKER_RESP Response) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, sizeof *Request);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if (Request == nullptr) return call.Return(sim::kStatusInvalidParameter);
     return call.Return(sim::Prbs(call.Target(), *Request, Response));

@@ -536,7 +536,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchGetPciePortProperties(PTR_ZENTREL_DEVICE Dev
 ZENTREL_STATUS simlib::ZentrelSwitchGetSinglePortPciePortProperties(PTR_ZENTREL_DEVICE Device, uint32_t Port,
                                                                         PTR_ZENTREL_SWITCH_PORT_PROPERTIES Properties) {
     Call call(__func__);
-    call.Dev(Device).Arg("port", Port);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     const sim::PortsModel &m = call.Target().ports;
     if (Properties == nullptr || !sim::PortExists(m, Port)) return call.Return(sim::kStatusInvalidParameter);
@@ -550,7 +550,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchGetSinglePortPciePortProperties(PTR_ZENTREL_
 ZENTREL_STATUS simlib::ZentrelSwitchGetPciPortErrorStatistics(PTR_ZENTREL_DEVICE Device, uint32_t Port,
                                                                   PTR_ZENTREL_SWITCH_PORT_ERROR_STATISTICS Statistics) {
     Call call(__func__);
-    call.Dev(Device).Arg("port", Port);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     const sim::PortsModel &m = call.Target().ports;
     if (Statistics == nullptr || !sim::PortExists(m, Port)) return call.Return(sim::kStatusInvalidParameter);
@@ -567,7 +567,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchGetPciPortErrorStatistics(PTR_ZENTREL_DEVICE
 // the capabilities stay.
 ZENTREL_STATUS simlib::ZentrelSwitchResetPciPortErrorStatistics(PTR_ZENTREL_DEVICE Device, uint32_t Port) {
     Call call(__func__);
-    call.Dev(Device).Arg("port", Port);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     sim::PortsModel &m = call.Target().ports;
     if (!sim::PortExists(m, Port)) return call.Return(sim::kStatusInvalidParameter);

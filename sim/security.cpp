@@ -338,13 +338,11 @@ SpdmSlot *FindSlot(SecurityModel &s, uint8_t slot, uint8_t group) {
     return &s.slots[slot];
 }
 
-// Every slot call: traced with its numbers and file, then the slot it names.
+// Every slot call: the slot it names.
 template <typename Act>
-ZENTREL_STATUS SlotCall(const char *function, PTR_ZENTREL_DEVICE device, uint8_t slot, uint8_t group,
-                        const char *file, Act act) {
+ZENTREL_STATUS SlotCall(const char *function, PTR_ZENTREL_DEVICE device, uint8_t slot, uint8_t group, Act act) {
     Call call(function);
-    call.Dev(device).Arg("slot", slot).Arg("group", group);
-    if (file != nullptr) call.Text("file", file);
+    call.Dev(device);
     if (!call.Proceed()) return call.Result();
     Device &d = call.Target();
     SpdmSlot *target = FindSlot(d.security, slot, group);
@@ -416,7 +414,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchSpdmSecureInfo(PTR_ZENTREL_DEVICE Device, ui
 // certificate; a sealed slot keeps its key.
 ZENTREL_STATUS simlib::ZentrelSwitchSPDMExportCSR(PTR_ZENTREL_DEVICE Device, uint8_t Slot, uint8_t SlotGroup,
                                                       const char *FileName) {
-    return sim::SlotCall(__func__, Device, Slot, SlotGroup, FileName, [&](sim::Device &d, sim::SpdmSlot &slot) {
+    return sim::SlotCall(__func__, Device, Slot, SlotGroup, [&](sim::Device &d, sim::SpdmSlot &slot) {
         if (slot.sealed) return static_cast<ZENTREL_STATUS>(sim::kStatusSlotSealed);
         if (!sim::WriteFileBytes(FileName, sim::Csr(d.info.Handle, Slot))) return static_cast<ZENTREL_STATUS>(sim::kStatusFileError);
         return ZENTREL_STATUS_SUCCESS;
@@ -425,7 +423,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchSPDMExportCSR(PTR_ZENTREL_DEVICE Device, uin
 
 ZENTREL_STATUS simlib::ZentrelSwitchSPDMImportCertificate(PTR_ZENTREL_DEVICE Device, uint8_t Slot,
                                                               uint8_t SlotGroup, const char *FileName) {
-    return sim::SlotCall(__func__, Device, Slot, SlotGroup, FileName, [&](sim::Device &, sim::SpdmSlot &slot) {
+    return sim::SlotCall(__func__, Device, Slot, SlotGroup, [&](sim::Device &, sim::SpdmSlot &slot) {
         if (slot.sealed) return static_cast<ZENTREL_STATUS>(sim::kStatusSlotSealed);
         std::vector<uint8_t> der;
         if (!sim::ReadFileBytes(FileName, sim::kMaxCertificateBytes, &der)) {
@@ -442,7 +440,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchSPDMImportCertificate(PTR_ZENTREL_DEVICE Dev
 
 ZENTREL_STATUS simlib::ZentrelSwitchSPDMReadSlotCertificate(PTR_ZENTREL_DEVICE Device, uint8_t Slot,
                                                                 uint8_t SlotGroup, const char *FileName) {
-    return sim::SlotCall(__func__, Device, Slot, SlotGroup, FileName, [&](sim::Device &, sim::SpdmSlot &slot) {
+    return sim::SlotCall(__func__, Device, Slot, SlotGroup, [&](sim::Device &, sim::SpdmSlot &slot) {
         if (!slot.occupied) return static_cast<ZENTREL_STATUS>(sim::kStatusSlotEmpty);
         if (!sim::WriteFileBytes(FileName, slot.certificate)) return static_cast<ZENTREL_STATUS>(sim::kStatusFileError);
         return ZENTREL_STATUS_SUCCESS;
@@ -451,7 +449,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchSPDMReadSlotCertificate(PTR_ZENTREL_DEVICE D
 
 // Invalidating an empty slot is accepted and changes nothing.
 ZENTREL_STATUS simlib::ZentrelSwitchSPDMSlotManagement(PTR_ZENTREL_DEVICE Device, uint8_t Slot, uint8_t SlotGroup) {
-    return sim::SlotCall(__func__, Device, Slot, SlotGroup, nullptr, [](sim::Device &, sim::SpdmSlot &slot) {
+    return sim::SlotCall(__func__, Device, Slot, SlotGroup, [](sim::Device &, sim::SpdmSlot &slot) {
         if (slot.sealed) return static_cast<ZENTREL_STATUS>(sim::kStatusSlotSealed);
         slot.occupied = false;
         slot.certificate.clear();

@@ -69,9 +69,6 @@ struct LibParameters {
 };
 LibParameters gLibParameters;
 
-// The record's bytes before the path pointer, the same on every target.
-constexpr size_t kLibParameterBytes = offsetof(ZENTREL_LIB_PARAMETERS, DebugLogOverwrite) + sizeof(uint32_t);
-
 // Copies a text into a fixed field: zero-padded, unterminated when full.
 void PutText(char *field, size_t width, const char *text) {
     memset(field, 0, width);
@@ -292,7 +289,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchGetWaferInfo(PTR_ZENTREL_DEVICE Device, PTR_
 ZENTREL_STATUS simlib::ZentrelSwitchSetTime(PTR_ZENTREL_DEVICE Device, PTR_ZENTREL_SWITCH_TIME_REQ Request,
                                                 PTR_ZENTREL_SWITCH_TIME_RESP Response) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, sizeof *Request);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if (Request == nullptr || Response == nullptr || Request->IssuerID > ZENTREL_TIME_ISSUER_MAX)
         return call.Return(sim::kStatusInvalidParameter);
@@ -309,15 +306,8 @@ ZENTREL_STATUS simlib::ZentrelSwitchSetTime(PTR_ZENTREL_DEVICE Device, PTR_ZENTR
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-// The path is traced as text and left out of the record's bytes, whose
-// pointer differs from run to run.
 ZENTREL_STATUS simlib::ZentrelSetLibParameters(PTR_ZENTREL_LIB_PARAMETERS Params) {
     Call call(__func__);
-    call.Bytes("params", Params, sim::kLibParameterBytes);
-    if (Params != nullptr && Params->DebugLogFilePath != nullptr)
-        call.Text("path", sim::Bounded(Params->DebugLogFilePath, ZENTREL_LIB_PATH_SET_LENGTH).c_str());
-    else
-        call.Text("path", nullptr);
     if (!call.Proceed()) return call.Result();
     if (Params == nullptr) return call.Return(sim::kStatusInvalidParameter);
     sim::LibParameters &p = sim::gLibParameters;
@@ -339,11 +329,6 @@ ZENTREL_STATUS simlib::ZentrelSetLibParameters(PTR_ZENTREL_LIB_PARAMETERS Params
 // pointer to null while the library logs to the console.
 ZENTREL_STATUS simlib::ZentrelGetLibParameters(PTR_ZENTREL_LIB_PARAMETERS Params) {
     Call call(__func__);
-    call.Bytes("params", Params, sim::kLibParameterBytes);
-    if (Params != nullptr && Params->DebugLogFilePath != nullptr)
-        call.Text("path", sim::Bounded(Params->DebugLogFilePath, ZENTREL_LIB_PATH_GET_LENGTH).c_str());
-    else
-        call.Text("path", nullptr);
     if (!call.Proceed()) return call.Result();
     if (Params == nullptr) return call.Return(sim::kStatusInvalidParameter);
     const sim::LibParameters &p = sim::gLibParameters;
@@ -364,7 +349,7 @@ ZENTREL_STATUS simlib::ZentrelGetLibParameters(PTR_ZENTREL_LIB_PARAMETERS Params
 
 ZENTREL_STATUS simlib::ZentrelSwitchSetOOBParams(PTR_ZENTREL_DEVICE Device, PTR_ZENTREL_SWITCH_OOB_PARAMS_REQ Params) {
     Call call(__func__);
-    call.Dev(Device).Bytes("params", Params, sizeof *Params);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if (Params == nullptr) return call.Return(sim::kStatusInvalidParameter);
     ZENTREL_SWITCH_OOB_PARAMS_RESP &oob = call.Target().settings.oob;
@@ -381,7 +366,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchGetOOBParams(PTR_ZENTREL_DEVICE Device, PTR_
 
 ZENTREL_STATUS simlib::ZentrelSwitchSetAsyncCommandTimeout(PTR_ZENTREL_DEVICE Device, uint32_t Timeout) {
     Call call(__func__);
-    call.Dev(Device).Arg("timeout", Timeout);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     call.Target().settings.asyncTimeout = Timeout;
     return call.Return(ZENTREL_STATUS_SUCCESS);

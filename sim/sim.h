@@ -131,19 +131,15 @@ bool LoadStateFile(std::vector<Device> &devices);
 void SaveStateFile(const std::vector<Device> &devices);
 
 // One library call: counts it, applies the scenario's latency and injected
-// status, decides whether the model runs, and traces it with its arguments
-// and request bytes when it ends.
+// status, and decides whether the model runs. Its trace line is written by
+// the exported function (WriteTrace), from its arguments as the interface
+// list describes them.
 class Call {
 public:
-    explicit Call(const char *function);
-    ~Call();
+    explicit Call(const char *function) : function_(function) {}
     Call(const Call &) = delete;
     Call &operator=(const Call &) = delete;
 
-    Call &Arg(const char *name, uint64_t value);     // decimal
-    Call &HexArg(const char *name, uint64_t value);  // 0x...
-    Call &Text(const char *name, const char *text);
-    Call &Bytes(const char *name, const void *bytes, size_t count);
     // The device argument; the model acts on the switch whose handle it holds.
     Call &Dev(PTR_ZENTREL_DEVICE device);
 
@@ -152,22 +148,26 @@ public:
     // argument, if any, names a simulated switch. Holds the model's lock
     // from here until the call ends.
     bool Proceed(bool needsInit = true);
-    State &Model() { return *state_; }
+    State &Model();
     Device &Target() { return *target_; }
     ZENTREL_STATUS Return(ZENTREL_STATUS status);
     ZENTREL_STATUS Result() const { return status_; }
 
 private:
     const char *function_;
-    std::string args_;
     bool hasDevice_ = false;
     uint32_t handle_ = 0;
     bool nullDevice_ = false;
-    State *state_;
     Device *target_ = nullptr;
     std::unique_lock<std::mutex> lock_;
     ZENTREL_STATUS status_ = 0;
 };
+
+// The trace (ZENTREL_SIM_TRACE): one call's arguments as the library saw
+// them when called, and then its line with the status it returned.
+std::string TraceArguments(const zrec::Arg *args, size_t count);
+void WriteTrace(const char *function, const std::string &arguments, ZENTREL_STATUS status);
+bool Tracing();
 
 // Replay of a recording (ZENTREL_SIM_REPLAY): whether one is named, and
 // one call answered from it instead of the model.

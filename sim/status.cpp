@@ -335,7 +335,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchHandleGpioCtrlCmd(PTR_ZENTREL_DEVICE Device,
                                                           PTR_ZENTREL_SWITCH_GPIO_CTRL_REQ Request,
                                                           PTR_ZENTREL_SWITCH_GPIO_CTRL_RESP Response) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, sizeof *Request);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if (Request == nullptr || Response == nullptr || Request->Opcode > ZENTREL_GPIO_OPCODE_LAST ||
         Request->Pin >= sim::kGpioPinCount || !sim::AllZero(Request->Reserved3, sizeof Request->Reserved3))
@@ -379,7 +379,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchHandleGpioCtrlCmd(PTR_ZENTREL_DEVICE Device,
 ZENTREL_STATUS simlib::ZentrelSwitchSetHealthConfig(PTR_ZENTREL_DEVICE Device,
                                                         PTR_ZENTREL_SWITCH_SET_HEALTH_CONFIG_REQ Request) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, sizeof *Request);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if (Request == nullptr || (Request->UpdateOption & ~ZENTREL_HEALTH_UPDATE_MASK) != 0)
         return call.Return(sim::kStatusInvalidParameter);
@@ -409,7 +409,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchGetHealthConfig(PTR_ZENTREL_DEVICE Device,
                                                         PTR_ZENTREL_SWITCH_GET_HEALTH_CONFIG_REQ Request,
                                                         PTR_ZENTREL_SWITCH_GET_HEALTH_CONFIG_RESP Response) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, sizeof *Request);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if (Request == nullptr || Response == nullptr) return call.Return(sim::kStatusInvalidParameter);
     const sim::HealthSettings &runtime = call.Target().status.healthRuntime;
@@ -430,7 +430,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchGetHealthConfig(PTR_ZENTREL_DEVICE Device,
 ZENTREL_STATUS simlib::ZentrelSwitchSetTagSBTimeout(PTR_ZENTREL_DEVICE Device,
                                                         PTR_ZENTREL_SWITCH_SET_TAG_SB_TIMEOUT_REQ Request) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, sizeof *Request);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if (Request == nullptr || Request->Station >= sim::kStationCount || Request->UpdateMode > ZENTREL_TAG_SB_UPDATE_BOTH)
         return call.Return(sim::kStatusInvalidParameter);
@@ -447,7 +447,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchGetTagSBTimeout(PTR_ZENTREL_DEVICE Device,
                                                         PTR_ZENTREL_SWITCH_GET_TAG_SB_TIMEOUT_RESP Response,
                                                         uint32_t QueryMode) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, sizeof *Request).Arg("queryMode", QueryMode);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if (Request == nullptr || Response == nullptr || Request->Station >= sim::kStationCount ||
         QueryMode > ZENTREL_TAG_SB_QUERY_FLASH || Request->QueryMode != QueryMode)

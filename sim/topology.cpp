@@ -593,7 +593,7 @@ bool CsrAccessValid(const Device &d, const ZENTREL_SWITCH_PORT_CSR_ACCESS &a) {
 
 ZENTREL_STATUS PortControl(const char *function, PTR_ZENTREL_DEVICE device, uint32_t port, bool enable) {
     Call call(function);
-    call.Dev(device).Arg("port", port);
+    call.Dev(device);
     if (!call.Proceed()) return call.Result();
     Device &d = call.Target();
     if (!IsPort(d, port)) return call.Return(kStatusInvalidParameter);
@@ -619,7 +619,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchGetPortAttr(PTR_ZENTREL_DEVICE Device,
                                                     PTR_ZENTREL_SWITCH_GET_PORT_ATTR_REQ Request,
                                                     PTR_ZENTREL_SWITCH_GET_PORT_ATTR_RESP Response) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, Request != nullptr ? sizeof *Request : 0);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if (Request == nullptr || Response == nullptr || Request->NumPorts == 0)
         return call.Return(sim::kStatusInvalidParameter);
@@ -651,7 +651,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchGetPortAttr(PTR_ZENTREL_DEVICE Device,
 ZENTREL_STATUS simlib::ZentrelSwitchGetDSAllDeviceInfo(PTR_ZENTREL_DEVICE Device, uint32_t Selector,
                                                            void *Buffer) {
     Call call(__func__);
-    call.Dev(Device).HexArg("selector", Selector);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if (Buffer == nullptr) return call.Return(sim::kStatusInvalidParameter);
     const sim::Device &d = call.Target();
@@ -673,7 +673,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchGetDSAllDeviceInfo(PTR_ZENTREL_DEVICE Device
 ZENTREL_STATUS simlib::ZentrelSwitchPortDsVDspBind(PTR_ZENTREL_DEVICE Device, uint32_t DsPort, uint32_t HostPort,
                                                        uint32_t AssignRule, uint16_t VdspId) {
     Call call(__func__);
-    call.Dev(Device).HexArg("dsPort", DsPort).HexArg("hostPort", HostPort).Arg("rule", AssignRule).Arg("vdsp", VdspId);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     sim::Device &d = call.Target();
     uint32_t ds = ZENTREL_DESCRIPTOR_PORT(DsPort), host = ZENTREL_DESCRIPTOR_PORT(HostPort);
@@ -696,7 +696,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchPortDsVDspBind(PTR_ZENTREL_DEVICE Device, ui
 ZENTREL_STATUS simlib::ZentrelSwitchPortDsVDspUnbind(PTR_ZENTREL_DEVICE Device, uint32_t HostPort,
                                                          uint32_t AssignRule, uint16_t VdspId) {
     Call call(__func__);
-    call.Dev(Device).HexArg("hostPort", HostPort).Arg("rule", AssignRule).Arg("vdsp", VdspId);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     sim::Device &d = call.Target();
     uint32_t host = ZENTREL_DESCRIPTOR_PORT(HostPort);
@@ -713,7 +713,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchPortDsVDspUnbind(PTR_ZENTREL_DEVICE Device, 
 ZENTREL_STATUS simlib::ZentrelSwitchGetHostPortVDSPInfo(PTR_ZENTREL_DEVICE Device, uint32_t HostPort,
                                                             PTR_ZENTREL_SWITCH_HOST_PORT_VDSP_INFO Info) {
     Call call(__func__);
-    call.Dev(Device).HexArg("hostPort", HostPort);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     const sim::Device &d = call.Target();
     uint32_t host = ZENTREL_DESCRIPTOR_PORT(HostPort);
@@ -736,7 +736,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchGetHostPortVDSPInfo(PTR_ZENTREL_DEVICE Devic
 ZENTREL_STATUS simlib::ZentrelSwitchReadPortCSR(PTR_ZENTREL_DEVICE Device,
                                                     PTR_ZENTREL_SWITCH_PORT_CSR_ACCESS Access) {
     Call call(__func__);
-    call.Dev(Device).Bytes("access", Access, Access != nullptr ? sizeof *Access : 0);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     const sim::Device &d = call.Target();
     if (Access == nullptr || !sim::CsrAccessValid(d, *Access)) return call.Return(sim::kStatusInvalidParameter);
@@ -750,7 +750,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchReadPortCSR(PTR_ZENTREL_DEVICE Device,
 ZENTREL_STATUS simlib::ZentrelSwitchWritePortCSR(PTR_ZENTREL_DEVICE Device,
                                                      PTR_ZENTREL_SWITCH_PORT_CSR_ACCESS Access) {
     Call call(__func__);
-    call.Dev(Device).Bytes("access", Access, Access != nullptr ? sizeof *Access : 0);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     sim::Device &d = call.Target();
     if (Access == nullptr || !sim::CsrAccessValid(d, *Access)) return call.Return(sim::kStatusInvalidParameter);
@@ -776,7 +776,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchControlPortDsbl(PTR_ZENTREL_DEVICE Device, u
 ZENTREL_STATUS simlib::ZentrelSwitchGetPciCapabilities(PTR_ZENTREL_DEVICE Device, uint8_t Port,
                                                            PTR_ZENTREL_SWITCH_PCI_CAPABILITIES Capabilities) {
     Call call(__func__);
-    call.Dev(Device).Arg("port", Port);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     const sim::Device &d = call.Target();
     if (Capabilities == nullptr || !sim::IsPort(d, Port)) return call.Return(sim::kStatusInvalidParameter);
@@ -800,7 +800,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchGetProperties(PTR_ZENTREL_DEVICE Device,
 ZENTREL_STATUS simlib::ZentrelSwitchSetMpiMgmtPage(PTR_ZENTREL_DEVICE Device,
                                                        PTR_ZENTREL_SWITCH_SET_MPI_MGMT_PAGE_ACCESS_REQ Request) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, Request != nullptr ? sizeof *Request : 0);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     sim::Device &d = call.Target();
     if (Request == nullptr || !sim::IsHostPort(d, Request->HostPort)) return call.Return(sim::kStatusInvalidParameter);
@@ -819,7 +819,7 @@ ZENTREL_STATUS simlib::ZentrelSwitchGetMpiMgmtPage(PTR_ZENTREL_DEVICE Device,
                                                        PTR_ZENTREL_SWITCH_GET_MPI_MGMT_PAGE_ACCESS_REQ Request,
                                                        PTR_ZENTREL_SWITCH_GET_MPI_MGMT_PAGE_ACCESS_RESP Response) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, Request != nullptr ? sizeof *Request : 0);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     const sim::Device &d = call.Target();
     if (Request == nullptr || Response == nullptr || !sim::IsHostPort(d, Request->HostPort) ||
