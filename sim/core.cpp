@@ -32,12 +32,7 @@ void Complain(const char *path, const std::string &problem) {
 
 // A scenario naming any function the simulator does not export is refused
 // instead of silently doing nothing.
-bool IsKnownFunction(const std::string &name) {
-    for (const ModelPart *const *part = kModelParts; *part != nullptr; ++part)
-        for (const char *const *f = (*part)->functions; *f != nullptr; ++f)
-            if (name == *f) return true;
-    return false;
-}
+bool IsKnownFunction(const std::string &name) { return zrec::FindFunction(name.c_str()) != nullptr; }
 
 bool ReadInjection(const Json &entry, Injection *out, Problem *error) {
     if (!entry.is_object()) {

@@ -8,16 +8,6 @@
 
 namespace sim {
 
-const char *const kDebugTokenFunctions[] = {
-    "ZentrelSwitchGenerateDebugToken",
-    "ZentrelSwitchEnableDebugToken",
-    "ZentrelSwitchGetDebugToken",
-    "ZentrelSwitchDisableDebugToken",
-    "ZentrelSwitchGetDebugTokenParams",
-    "ZentrelSwitchDebugPortCap",
-    nullptr,
-};
-
 namespace {
 
 // The claims of a request, in the order a token carries them.
@@ -216,7 +206,7 @@ ZENTREL_STATUS Install(DebugTokenModel &t, const uint8_t *token, uint32_t length
 }  // namespace
 
 extern const ModelPart kDebugTokenPart = {
-    "debugToken", kDebugTokenFunctions, SetDebugTokenDefaults, ApplyDebugTokenKey, SaveDebugToken, nullptr, nullptr,
+    "debugToken", SetDebugTokenDefaults, ApplyDebugTokenKey, SaveDebugToken, nullptr, nullptr,
     nullptr,
 };
 

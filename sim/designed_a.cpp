@@ -9,17 +9,6 @@
 
 namespace sim {
 
-const char *const kDesignedAFunctions[] = {
-    "ZentrelSwitchGetErrInjectionInfo",
-    "ZentrelSwitchSetErrInjection",
-    "ZentrelSwitchTLPRoundTripTime",
-    "ZentrelSwitchSetCreditCapture",
-    "ZentrelSwitchGetCreditCapture",
-    "ZentrelSwitchSetLinkDownCondition",
-    "ZentrelSwitchGetLinkDownConditionStatus",
-    nullptr,
-};
-
 namespace {
 
 constexpr uint32_t kSupportedErrorTypes = ((1u << (ZENTREL_ERR_INJ_LAST + 1)) - 1) & ~1u;
@@ -267,7 +256,7 @@ void SaveDesignedA(const Device &device, Json *, Json *runtime) {
 }  // namespace
 
 extern const ModelPart kDesignedAPart = {
-    "designedA", kDesignedAFunctions, SetDesignedADefaults, ApplyDesignedAKey, SaveDesignedA, nullptr, nullptr, nullptr,
+    "designedA", SetDesignedADefaults, ApplyDesignedAKey, SaveDesignedA, nullptr, nullptr, nullptr,
 };
 
 }  // namespace sim

@@ -6,21 +6,6 @@
 
 namespace sim {
 
-const char *const kDesignedBFunctions[] = {
-    "ZentrelSwitchGetHistoryBuffersInfo",
-    "ZentrelSwitchClearHistoryBuffer",
-    "ZentrelSwitchConfigureHistoryBuffer",
-    "ZentrelSwitchGetHistoryBufferEntries",
-    "ZentrelSwitchSetupPerfMonitoring",
-    "ZentrelSwitchTrap",
-    "ZentrelSwitchGetAddressTrapInBatch",
-    "ZentrelSwitchGetHPARangeInfoRequest",
-    "ZentrelSwitchSetEqualizationCtrl",
-    "ZentrelSwitchEqualizationCtrlGetBufSize",
-    "ZentrelSwitchGetEqualizationCtrl",
-    nullptr,
-};
-
 namespace {
 
 // Limits of fixed equalization values.
@@ -298,7 +283,7 @@ void ApplyEqControl(const DesignedBModel &m, uint32_t lane, ZENTREL_SWITCH_RX_EQ
 }
 
 extern const ModelPart kDesignedBPart = {
-    "designedB", kDesignedBFunctions, SetDesignedBDefaults, ApplyDesignedBKey, SaveDesignedB, nullptr, nullptr, nullptr,
+    "designedB", SetDesignedBDefaults, ApplyDesignedBKey, SaveDesignedB, nullptr, nullptr, nullptr,
 };
 
 }  // namespace sim

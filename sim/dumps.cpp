@@ -7,19 +7,6 @@
 
 namespace sim {
 
-const char *const kDumpsFunctions[] = {
-    "ZentrelGetCoreDump",
-    "ZentrelSwitchIsCoredumpValid",
-    "ZentrelSwitchGetCoredumpInfo",
-    "ZentrelSwitchGetDecodedCoreDumpBySection",
-    "ZentrelEraseCoreDump",
-    "ZentrelGetTraceBuffer",
-    "ZentrelSwitchGetDecodedTraceBuffer",
-    "ZentrelSwitchSetTriggerCondForCoreDump",
-    "ZentrelSwitchGetTriggerCondForCoreDump",
-    nullptr,
-};
-
 namespace {
 
 constexpr uint32_t kPortsPerStation = 16;
@@ -297,7 +284,7 @@ ZENTREL_STATUS ReadTraceMemory(Call &call, uint8_t *buffer, uint32_t *length, bo
 }  // namespace
 
 extern const ModelPart kDumpsPart = {
-    "dumps", kDumpsFunctions, SetDumpsDefaults, ApplyDumpsKey, SaveDumps, PowerCycleDumps, nullptr, nullptr,
+    "dumps", SetDumpsDefaults, ApplyDumpsKey, SaveDumps, PowerCycleDumps, nullptr, nullptr,
 };
 
 }  // namespace sim

@@ -5,11 +5,6 @@
 
 namespace sim {
 
-const char *const kFrontendFunctions[] = {
-    "ZentrelInitialize", "ZentrelExit", "ZentrelDiscoverDevices", "ZentrelGetDeviceCount", "ZentrelGetDeviceInfo",
-    nullptr,
-};
-
 namespace {
 
 // Two switches behind one SMBus segment: a current-generation switch of the
@@ -88,7 +83,7 @@ int ApplyFrontendKey(Device &device, const std::string &key, const Json &value, 
 
 // Nothing of the device information changes at run time.
 extern const ModelPart kFrontendPart = {
-    "frontend", kFrontendFunctions, SetFrontendDefaults, ApplyFrontendKey, nullptr, nullptr, nullptr, nullptr,
+    "frontend", SetFrontendDefaults, ApplyFrontendKey, nullptr, nullptr, nullptr, nullptr,
 };
 
 }  // namespace sim

@@ -11,16 +11,6 @@ namespace sim {
 const char kFirmwareMagic[4] = {'Z', 'F', 'W', 'I'};
 const char kPldmMagic[4] = {'P', 'L', 'D', 'M'};
 
-const char *const kImagesFunctions[] = {
-    "ZentrelSwitchDownloadFirmware",
-    "ZentrelSwitchDownloadPldmFirmware",
-    "ZentrelSwitchSBRMFGConfiguration",
-    "ZentrelSwitchDownloadUnitSpecificData",
-    "ZentrelSwitchUploadUnitSpecificData",
-    "ZentrelSwitchDownloadMfgCfgPage",
-    nullptr,
-};
-
 namespace {
 
 
@@ -161,7 +151,7 @@ ZENTREL_STATUS CheckImage(const uint8_t *image, size_t length, const char (&magi
 }
 
 extern const ModelPart kImagesPart = {
-    "images", kImagesFunctions, SetImagesDefaults, ApplyImagesKey, SaveImages, nullptr, nullptr, nullptr,
+    "images", SetImagesDefaults, ApplyImagesKey, SaveImages, nullptr, nullptr, nullptr,
 };
 
 }  // namespace sim

@@ -7,17 +7,6 @@
 
 namespace sim {
 
-const char *const kLinkFunctions[] = {
-    "ZentrelSwitchMemoryRead",
-    "ZentrelSwitchMemoryWrite",
-    "ZentrelSwitchStopAndGetLtssmTrigger",
-    "ZentrelSwitchLtssmSetupTrigger",
-    "ZentrelSwitchLtssmIsTriggerred",
-    "ZentrelSwitchSetupLtssmMonitor",
-    "ZentrelSwitchGetPciePortPerformance",
-    nullptr,
-};
-
 namespace {
 
 // The trigger's dump could not be written: its directory does not exist.
@@ -442,7 +431,7 @@ void Arm(Device &device, uint32_t port, uint16_t state, bool monitor) {
 }  // namespace
 
 extern const ModelPart kLinkPart = {
-    "link", kLinkFunctions, SetLinkDefaults, ApplyLinkKey, SaveLink, PowerCycleLink, nullptr, nullptr,
+    "link", SetLinkDefaults, ApplyLinkKey, SaveLink, PowerCycleLink, nullptr, nullptr,
 };
 
 }  // namespace sim

@@ -8,20 +8,6 @@
 
 namespace sim {
 
-const char *const kPhyFunctions[] = {
-    "ZentrelSwitchGetLaneMarginCapacities",
-    "ZentrelSwitchPerformLaneMargining",
-    "ZentrelSwitchHardwareEyeStart",
-    "ZentrelSwitchHardwareEyePoll",
-    "ZentrelSwitchHardwareEyeGet",
-    "ZentrelSwitchHardwareEyeClean",
-    "ZentrelSwitchRxEqStatus",
-    "ZentrelSwitchTxCoeff",
-    "ZentrelSwitchGetSerdesInfo",
-    "ZentrelSwitchPrbs",
-    nullptr,
-};
-
 namespace {
 
 // Margining capabilities: voltage margining with independent up/down and
@@ -329,7 +315,7 @@ int32_t PrbsErrorsPerSecond(const PhyModel &m, uint32_t lane) {
 }
 
 extern const ModelPart kPhyPart = {
-    "phy", kPhyFunctions, SetPhyDefaults, ApplyPhyKey, SavePhy, nullptr, nullptr, nullptr,
+    "phy", SetPhyDefaults, ApplyPhyKey, SavePhy, nullptr, nullptr, nullptr,
 };
 
 }  // namespace sim

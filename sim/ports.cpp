@@ -6,16 +6,6 @@
 
 namespace sim {
 
-const char *const kPortsFunctions[] = {
-    "ZentrelSwitchGetPciePortProperties",
-    "ZentrelSwitchGetSinglePortPciePortProperties",
-    "ZentrelSwitchGetPciPortErrorStatistics",
-    "ZentrelSwitchResetPciPortErrorStatistics",
-    "ZentrelSwitchPacketRamSoftErrorCount",
-    "ZentrelSwitchResetPacketRamSoftErrorCount",
-    nullptr,
-};
-
 namespace {
 
 constexpr uint32_t kLastPortNumber = ZENTREL_PORT_COUNT - 1;
@@ -513,7 +503,7 @@ ZENTREL_SWITCH_PORT_ENTRY Shown(const Device &d, uint32_t port) {
 }
 
 extern const ModelPart kPortsPart = {
-    "ports", kPortsFunctions, SetPortsDefaults, ApplyPortsKey, SavePorts, nullptr, nullptr, nullptr,
+    "ports", SetPortsDefaults, ApplyPortsKey, SavePorts, nullptr, nullptr, nullptr,
 };
 
 }  // namespace sim

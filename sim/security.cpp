@@ -5,17 +5,6 @@
 
 namespace sim {
 
-const char *const kSecurityFunctions[] = {
-    "ZentrelSwitchSecureBootInfo",
-    "ZentrelSwitchSpdmSecureInfo",
-    "ZentrelSwitchGetSPDMInfo",
-    "ZentrelSwitchSPDMExportCSR",
-    "ZentrelSwitchSPDMImportCertificate",
-    "ZentrelSwitchSPDMReadSlotCertificate",
-    "ZentrelSwitchSPDMSlotManagement",
-    nullptr,
-};
-
 namespace {
 
 using Bytes = std::vector<uint8_t>;
@@ -353,7 +342,7 @@ ZENTREL_STATUS SlotCall(const char *function, PTR_ZENTREL_DEVICE device, uint8_t
 }  // namespace
 
 extern const ModelPart kSecurityPart = {
-    "security", kSecurityFunctions, SetSecurityDefaults, ApplySecurityKey, SaveSecurity, nullptr, nullptr, nullptr,
+    "security", SetSecurityDefaults, ApplySecurityKey, SaveSecurity, nullptr, nullptr, nullptr,
 };
 
 }  // namespace sim

@@ -12,20 +12,6 @@ ZENTREL_SWITCH_MFG_INFO switchMfgInfo_temp = {};
 
 namespace sim {
 
-const char *const kSettingsFunctions[] = {
-    "ZentrelGetTemperature",
-    "ZentrelSwitchGetMfgInfo",
-    "ZentrelSwitchGetSBRVersion",
-    "ZentrelSwitchGetWaferInfo",
-    "ZentrelSwitchSetTime",
-    "ZentrelSetLibParameters",
-    "ZentrelGetLibParameters",
-    "ZentrelSwitchSetOOBParams",
-    "ZentrelSwitchGetOOBParams",
-    "ZentrelSwitchSetAsyncCommandTimeout",
-    nullptr,
-};
-
 namespace {
 
 // Two switches of one vendor: the current 144-lane part, whose identity
@@ -247,7 +233,7 @@ void SetSettingsDefaults(Device &device, size_t index) {
 }  // namespace
 
 extern const ModelPart kSettingsPart = {
-    "settings", kSettingsFunctions, SetSettingsDefaults, ApplySettingsKey, SaveSettings, nullptr, ApplyLibraryKey, SaveLibrary,
+    "settings", SetSettingsDefaults, ApplySettingsKey, SaveSettings, nullptr, ApplyLibraryKey, SaveLibrary,
 };
 
 }  // namespace sim

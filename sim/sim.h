@@ -87,9 +87,6 @@ struct State {
 // injection checks go through that table, so a new part adds one row.
 struct ModelPart {
     const char *name;
-    // The functions the part exports, ending with null; a scenario may
-    // inject into these only.
-    const char *const *functions;
     // The part's values of switch `index` of the default fleet.
     void (*setDefaults)(Device &device, size_t index);
     // One device key of a scenario or of the state file: 1 when it took

@@ -6,19 +6,6 @@
 
 namespace sim {
 
-const char *const kStatusFunctions[] = {
-    "ZentrelSwitchGetCcrStatus",
-    "ZentrelSwitchGetPowerOnSense",
-    "ZentrelSwitchGetSysErrStatus",
-    "ZentrelSwitchGetGPIOSpareState",
-    "ZentrelSwitchHandleGpioCtrlCmd",
-    "ZentrelSwitchSetHealthConfig",
-    "ZentrelSwitchGetHealthConfig",
-    "ZentrelSwitchSetTagSBTimeout",
-    "ZentrelSwitchGetTagSBTimeout",
-    nullptr,
-};
-
 namespace {
 
 // A GPIO pin's defaults: the pins not listed are low inputs on port 0
@@ -295,7 +282,7 @@ void PowerCycleStatus(Device &device) {
 }  // namespace
 
 extern const ModelPart kStatusPart = {
-    "status", kStatusFunctions, SetStatusDefaults, ApplyStatusKey, SaveStatus, PowerCycleStatus, nullptr, nullptr,
+    "status", SetStatusDefaults, ApplyStatusKey, SaveStatus, PowerCycleStatus, nullptr, nullptr,
 };
 
 }  // namespace sim

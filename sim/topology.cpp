@@ -10,23 +10,6 @@
 
 namespace sim {
 
-const char *const kTopologyFunctions[] = {
-    "ZentrelSwitchGetPortAttr",
-    "ZentrelSwitchGetDSAllDeviceInfo",
-    "ZentrelSwitchPortDsVDspBind",
-    "ZentrelSwitchPortDsVDspUnbind",
-    "ZentrelSwitchGetHostPortVDSPInfo",
-    "ZentrelSwitchReadPortCSR",
-    "ZentrelSwitchWritePortCSR",
-    "ZentrelSwitchControlPortEnbl",
-    "ZentrelSwitchControlPortDsbl",
-    "ZentrelSwitchGetPciCapabilities",
-    "ZentrelSwitchGetProperties",
-    "ZentrelSwitchSetMpiMgmtPage",
-    "ZentrelSwitchGetMpiMgmtPage",
-    nullptr,
-};
-
 namespace {
 
 constexpr uint32_t kLastPort = ZENTREL_PORT_COUNT - 1;
@@ -607,7 +590,7 @@ ZENTREL_STATUS PortControl(const char *function, PTR_ZENTREL_DEVICE device, uint
 }  // namespace
 
 extern const ModelPart kTopologyPart = {
-    "topology", kTopologyFunctions, SetTopologyDefaults, ApplyTopologyKey, SaveTopology, PowerCycleTopology,
+    "topology", SetTopologyDefaults, ApplyTopologyKey, SaveTopology, PowerCycleTopology,
     nullptr, nullptr,
 };
 
