@@ -124,7 +124,6 @@ const FunctionInfo *FindFunction(const char *name);
 
 // ---- The macros that read the list. ----
 
-#define ZI_EXPAND(...) __VA_ARGS__
 #define ZI_DROP1(...) ZI_DROP1_(__VA_ARGS__)
 #define ZI_DROP1_(first, ...) __VA_ARGS__
 

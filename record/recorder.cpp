@@ -5,6 +5,7 @@
 #include <dlfcn.h>
 #include <sys/stat.h>
 
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -147,7 +148,12 @@ public:
         if (gRealMfgInfo != nullptr) realMfgBefore_ = *gRealMfgInfo;
     }
 
-    void *Real(const char *function) const { return gLibrary == nullptr ? nullptr : dlsym(gLibrary, function); }
+    void *Real(const char *function) const {
+        if (gLibrary == nullptr) return nullptr;
+        void *real = dlsym(gLibrary, function);
+        if (real == nullptr) fprintf(stderr, "zentrel-record: %s has no %s\n", getenv(kLibraryVariable), function);
+        return real;
+    }
 
     ZENTREL_STATUS Finish(ZENTREL_STATUS status) {
         // A library that writes its own object rather than the program's

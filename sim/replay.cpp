@@ -116,7 +116,7 @@ void Apply(const std::string &name, const std::vector<uint8_t> &bytes, zrec::Arg
                 memcpy(&p, static_cast<uint8_t *>(a.bytes) + args[j].fieldOffset, sizeof p);
                 pointers.emplace_back(args[j].fieldOffset, bytes[args[j].fieldOffset] != 0 ? p : nullptr);
             }
-        memcpy(a.bytes, bytes.data(), n);
+        if (n > 0) memcpy(a.bytes, bytes.data(), n);
         for (const auto &p : pointers) memcpy(static_cast<uint8_t *>(a.bytes) + p.first, &p.second, sizeof p.second);
         return;
     }
