@@ -13,7 +13,6 @@ const char kPldmMagic[4] = {'P', 'L', 'D', 'M'};
 
 namespace {
 
-
 struct CrcTable {
     uint32_t entry[256];
     constexpr CrcTable() : entry() {
