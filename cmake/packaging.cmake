@@ -22,9 +22,11 @@ add_custom_command(OUTPUT ${ZENTREL_PKG_DIR}/zentrelLibTest.1.gz ${ZENTREL_PKG_D
   COMMENT "Compressing the manual page and the change log")
 add_custom_target(package_files ALL DEPENDS ${ZENTREL_PKG_DIR}/zentrelLibTest.1.gz ${ZENTREL_PKG_DIR}/changelog.gz)
 file(CREATE_LINK zentrelLibTest.1.gz ${ZENTREL_PKG_DIR}/zentrelLibTest-sim.1.gz SYMBOLIC)
+file(CREATE_LINK zentrelLibTest.1.gz ${ZENTREL_PKG_DIR}/zentrelLibTest-record.1.gz SYMBOLIC)
 
 install(FILES ${ZENTREL_PKG_DIR}/zentrelLibTest.1.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT utility)
-install(FILES ${ZENTREL_PKG_DIR}/zentrelLibTest-sim.1.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT simulator)
+install(FILES ${ZENTREL_PKG_DIR}/zentrelLibTest-sim.1.gz ${ZENTREL_PKG_DIR}/zentrelLibTest-record.1.gz
+        DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT simulator)
 foreach(component utility simulator)
   if(component STREQUAL utility)
     set(name ${ZENTREL_PACKAGE_UTILITY})
@@ -68,7 +70,9 @@ set(CPACK_DEBIAN_SIMULATOR_PACKAGE_PROVIDES libzentrel)
 set(CPACK_COMPONENT_SIMULATOR_DESCRIPTION "simulated Corvane PCIe switches for zentrelLibTest
 A simulated libzentrel.so that models a fleet of Corvane PCIe switches,
 with scenarios, call traces and state kept between runs, and the
-zentrelLibTest-sim wrapper that runs zentrelLibTest against it.
+zentrelLibTest-sim wrapper that runs zentrelLibTest against it. Also the
+recording library and its zentrelLibTest-record wrapper, which record a
+session with the vendor's library for the simulator to replay.
 .
 The simulated library lives in a directory of its own and is used only
 through the wrapper: it never replaces the vendor's library.")

@@ -2,9 +2,11 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <cctype>
 #include <cstring>
 #include <thread>
 
+#include "recording.h"
 #include "sim.h"
 
 namespace sim {
@@ -15,6 +17,8 @@ const char kScenarioVariable[] = "ZENTREL_SIM_SCENARIO";
 const char kTraceVariable[] = "ZENTREL_SIM_TRACE";
 constexpr size_t kDefaultDeviceCount = 2;
 constexpr size_t kMaxDevices = 64;
+// The most bytes of a buffer a trace line shows.
+constexpr size_t kTracedBufferBytes = 64;
 // The longest a scenario may delay one call, all its injections together.
 constexpr uint32_t kMaxLatencyMs = 600000;
 
@@ -28,12 +32,7 @@ void Complain(const char *path, const std::string &problem) {
 
 // A scenario naming any function the simulator does not export is refused
 // instead of silently doing nothing.
-bool IsKnownFunction(const std::string &name) {
-    for (const ModelPart *const *part = kModelParts; *part != nullptr; ++part)
-        for (const char *const *f = (*part)->functions; *f != nullptr; ++f)
-            if (name == *f) return true;
-    return false;
-}
+bool IsKnownFunction(const std::string &name) { return zrec::FindFunction(name.c_str()) != nullptr; }
 
 bool ReadInjection(const Json &entry, Injection *out, Problem *error) {
     if (!entry.is_object()) {
@@ -156,25 +155,6 @@ uint64_t CountCall(const char *function) {
     return 1;
 }
 
-void WriteTrace(const std::string &line) {
-    std::lock_guard<std::mutex> guard(gTraceMutex);
-    if (gTrace == nullptr) {
-        const char *path = getenv(kTraceVariable);
-        if (path == nullptr || *path == '\0') return;
-        gTrace = fopen(path, "a");
-        if (gTrace == nullptr) return;
-    }
-    fputs(line.c_str(), gTrace);
-    fflush(gTrace);
-}
-
-void Append(std::string &args, const char *name, const std::string &value) {
-    if (!args.empty()) args += ", ";
-    args += name;
-    args += '=';
-    args += value;
-}
-
 }  // namespace
 
 // One row a part of the model, one line each (a new part adds one line).
@@ -231,65 +211,89 @@ bool ApplyLibraryKeys(const Json &keys, Problem *error) {
     return true;
 }
 
-Call::Call(const char *function) : function_(function), state_(&gState) {}
-
-Call::~Call() {
-    std::string line = function_;
-    line += '(';
-    line += args_;
-    char result[32];
-    snprintf(result, sizeof result, ") = 0x%x\n", status_);
-    line += result;
-    if (lock_.owns_lock()) lock_.unlock();
-    WriteTrace(line);
-}
-
-Call &Call::Arg(const char *name, uint64_t value) {
-    Append(args_, name, std::to_string(value));
-    return *this;
-}
-
-Call &Call::HexArg(const char *name, uint64_t value) {
-    char text[24];
-    snprintf(text, sizeof text, "0x%llx", static_cast<unsigned long long>(value));
-    Append(args_, name, text);
-    return *this;
-}
-
-Call &Call::Text(const char *name, const char *text) {
-    Append(args_, name, text == nullptr ? std::string("null") : "\"" + std::string(text) + "\"");
-    return *this;
-}
-
-// Bytes in memory order, four to a group, so that u32 fields stand apart.
-Call &Call::Bytes(const char *name, const void *bytes, size_t count) {
-    if (bytes == nullptr) {
-        Append(args_, name, "null");
-        return *this;
-    }
-    std::string hex = "[";
-    const uint8_t *p = static_cast<const uint8_t *>(bytes);
-    for (size_t i = 0; i < count; ++i) {
-        if (i > 0 && i % 4 == 0) hex += ' ';
-        char byte[3];
-        snprintf(byte, sizeof byte, "%02x", p[i]);
-        hex += byte;
-    }
-    hex += ']';
-    Append(args_, name, hex);
-    return *this;
-}
+State &Call::Model() { return gState; }
 
 Call &Call::Dev(PTR_ZENTREL_DEVICE device) {
     hasDevice_ = true;
-    if (device == nullptr) {
+    if (device == nullptr)
         nullDevice_ = true;
-        Append(args_, "device", "null");
-    } else {
+    else
         memcpy(&handle_, device, sizeof handle_);
-        HexArg("device", handle_);
-    }
     return *this;
+}
+
+bool Tracing() {
+    const char *path = getenv(kTraceVariable);
+    return path != nullptr && *path != '\0';
+}
+
+// Bytes in memory order, four to a group, so that u32 fields stand apart;
+// a buffer (not a record of fixed size) shows its first kTracedBufferBytes.
+std::string TraceArguments(const zrec::Arg *args, size_t count) {
+    std::string out;
+    for (size_t i = 0; i < count; ++i) {
+        const zrec::Arg &a = args[i];
+        std::string value;
+        switch (a.kind) {
+        case zrec::Kind::Out:
+        case zrec::Kind::OutFilled:
+            if (a.present) continue;  // filled by the library: only a null one is shown
+            value = "null";
+            break;
+        case zrec::Kind::Device:
+            if (!a.present) {
+                value = "null";
+                break;
+            }
+            [[fallthrough]];
+        case zrec::Kind::Scalar: {
+            char text[24];
+            snprintf(text, sizeof text, a.kind == zrec::Kind::Device || a.hex ? "0x%llx" : "%llu",
+                     static_cast<unsigned long long>(a.value));
+            value = text;
+            break;
+        }
+        case zrec::Kind::In:
+        case zrec::Kind::InOut: {
+            if (!a.present) {
+                value = "null";
+                break;
+            }
+            std::vector<uint8_t> bytes = zrec::MaskedBytes(a, args, count);
+            std::string hex;
+            zrec::AppendHex(hex, bytes.data(), bytes.size() < kTracedBufferBytes ? bytes.size() : kTracedBufferBytes);
+            value = "[";
+            for (size_t j = 0; j < hex.size(); j += 8) value += (j > 0 ? " " : "") + hex.substr(j, 8);
+            if (bytes.size() > kTracedBufferBytes) value += " ... " + std::to_string(bytes.size()) + " bytes";
+            value += ']';
+            break;
+        }
+        case zrec::Kind::Text:
+        case zrec::Kind::FileOut:
+        case zrec::Kind::DirOut:
+            if (a.parent == nullptr && a.kind == zrec::Kind::FileOut && strcmp(a.name, "file") == 0) continue;
+            value = a.bytes == nullptr ? "null" : "\"" + std::string(static_cast<const char *>(a.bytes), strnlen(static_cast<const char *>(a.bytes), a.size == 0 ? 4096 : a.size)) + "\"";
+            break;
+        }
+        if (!out.empty()) out += ", ";
+        std::string name = a.name;
+        name[0] = static_cast<char>(tolower(static_cast<unsigned char>(name[0])));
+        out += name + "=" + value;
+    }
+    return out;
+}
+
+void WriteTrace(const char *function, const std::string &arguments, ZENTREL_STATUS status) {
+    char result[32];
+    snprintf(result, sizeof result, ") = 0x%x\n", status);
+    std::string line = std::string(function) + "(" + arguments + result;
+    std::lock_guard<std::mutex> guard(gTraceMutex);
+    if (gTrace == nullptr) {
+        gTrace = fopen(getenv(kTraceVariable), "a");
+        if (gTrace == nullptr) return;
+    }
+    fputs(line.c_str(), gTrace);
+    fflush(gTrace);
 }
 
 bool Call::Proceed(bool needsInit) {

@@ -8,22 +8,7 @@
 
 namespace sim {
 
-const char *const kDebugTokenFunctions[] = {
-    "ZentrelSwitchGenerateDebugToken",
-    "ZentrelSwitchEnableDebugToken",
-    "ZentrelSwitchGetDebugToken",
-    "ZentrelSwitchDisableDebugToken",
-    "ZentrelSwitchGetDebugTokenParams",
-    "ZentrelSwitchDebugPortCap",
-    nullptr,
-};
-
 namespace {
-
-// The request bytes before the signature pointer are traced, and at most
-// this many bytes of a signature or token.
-constexpr size_t kTracedRequestBytes = offsetof(ZENTREL_SWITCH_DEBUG_TOKEN_REQ, Signature);
-constexpr size_t kTracedDataBytes = 16;
 
 // The claims of a request, in the order a token carries them.
 cbor::Claims RequestClaims(const ZENTREL_SWITCH_DEBUG_TOKEN_REQ &r) {
@@ -221,7 +206,7 @@ ZENTREL_STATUS Install(DebugTokenModel &t, const uint8_t *token, uint32_t length
 }  // namespace
 
 extern const ModelPart kDebugTokenPart = {
-    "debugToken", kDebugTokenFunctions, SetDebugTokenDefaults, ApplyDebugTokenKey, SaveDebugToken, nullptr, nullptr,
+    "debugToken", SetDebugTokenDefaults, ApplyDebugTokenKey, SaveDebugToken, nullptr, nullptr,
     nullptr,
 };
 
@@ -229,30 +214,24 @@ extern const ModelPart kDebugTokenPart = {
 
 using sim::Call;
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchGenerateDebugToken(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchGenerateDebugToken(PTR_ZENTREL_DEVICE Device,
                                                            PTR_ZENTREL_SWITCH_DEBUG_TOKEN_REQ Request) {
     Call call(__func__);
     call.Dev(Device);
-    if (Request != nullptr) {
-        size_t shown = Request->SignatureLength < sim::kTracedDataBytes ? Request->SignatureLength : sim::kTracedDataBytes;
-        call.Bytes("request", Request, sim::kTracedRequestBytes).Arg("signatureLength", Request->SignatureLength);
-        call.Bytes("signature", Request->Signature, shown);
-    }
     if (!call.Proceed()) return call.Result();
     if (Request == nullptr) return call.Return(sim::kStatusInvalidParameter);
     return call.Return(sim::Generate(call.Target(), Request));
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchEnableDebugToken(PTR_ZENTREL_DEVICE Device, const uint8_t *Token,
+ZENTREL_STATUS simlib::ZentrelSwitchEnableDebugToken(PTR_ZENTREL_DEVICE Device, const uint8_t *Token,
                                                          uint32_t Length) {
     Call call(__func__);
-    call.Dev(Device).Bytes("token", Token, Length < sim::kTracedDataBytes ? Length : sim::kTracedDataBytes);
-    call.Arg("length", Length);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     return call.Return(sim::Install(call.Target().debugToken, Token, Length));
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetDebugToken(PTR_ZENTREL_DEVICE Device, uint32_t *Filled,
+ZENTREL_STATUS simlib::ZentrelSwitchGetDebugToken(PTR_ZENTREL_DEVICE Device, uint32_t *Filled,
                                                       PTR_ZENTREL_SWITCH_DEBUG_TOKEN_CLAIMS Claims) {
     Call call(__func__);
     call.Dev(Device);
@@ -267,7 +246,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetDebugToken(PTR_ZENTREL_DEVICE Device,
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchDisableDebugToken(PTR_ZENTREL_DEVICE Device) {
+ZENTREL_STATUS simlib::ZentrelSwitchDisableDebugToken(PTR_ZENTREL_DEVICE Device) {
     Call call(__func__);
     call.Dev(Device);
     if (!call.Proceed()) return call.Result();
@@ -278,7 +257,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchDisableDebugToken(PTR_ZENTREL_DEVICE Dev
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetDebugTokenParams(PTR_ZENTREL_DEVICE Device, uint32_t *Filled,
+ZENTREL_STATUS simlib::ZentrelSwitchGetDebugTokenParams(PTR_ZENTREL_DEVICE Device, uint32_t *Filled,
                                                             PTR_ZENTREL_SWITCH_DEBUG_TOKEN_PARAMS Params) {
     Call call(__func__);
     call.Dev(Device);
@@ -293,7 +272,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetDebugTokenParams(PTR_ZENTREL_DEVICE D
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchDebugPortCap(PTR_ZENTREL_DEVICE Device, PTR_ZENTREL_SWITCH_DEBUG_PORT_CAP Caps) {
+ZENTREL_STATUS simlib::ZentrelSwitchDebugPortCap(PTR_ZENTREL_DEVICE Device, PTR_ZENTREL_SWITCH_DEBUG_PORT_CAP Caps) {
     return sim::ReadFromDevice(__func__, Device, Caps,
                                [](const sim::Device &d) { return sim::CurrentPorts(d.debugToken); });
 }

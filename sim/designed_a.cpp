@@ -9,17 +9,6 @@
 
 namespace sim {
 
-const char *const kDesignedAFunctions[] = {
-    "ZentrelSwitchGetErrInjectionInfo",
-    "ZentrelSwitchSetErrInjection",
-    "ZentrelSwitchTLPRoundTripTime",
-    "ZentrelSwitchSetCreditCapture",
-    "ZentrelSwitchGetCreditCapture",
-    "ZentrelSwitchSetLinkDownCondition",
-    "ZentrelSwitchGetLinkDownConditionStatus",
-    nullptr,
-};
-
 namespace {
 
 constexpr uint32_t kSupportedErrorTypes = ((1u << (ZENTREL_ERR_INJ_LAST + 1)) - 1) & ~1u;
@@ -267,18 +256,18 @@ void SaveDesignedA(const Device &device, Json *, Json *runtime) {
 }  // namespace
 
 extern const ModelPart kDesignedAPart = {
-    "designedA", kDesignedAFunctions, SetDesignedADefaults, ApplyDesignedAKey, SaveDesignedA, nullptr, nullptr, nullptr,
+    "designedA", SetDesignedADefaults, ApplyDesignedAKey, SaveDesignedA, nullptr, nullptr, nullptr,
 };
 
 }  // namespace sim
 
 using sim::Call;
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetErrInjectionInfo(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchGetErrInjectionInfo(PTR_ZENTREL_DEVICE Device,
                                                             PTR_ZENTREL_SWITCH_GET_ERR_INJECTION_INFO_REQ Request,
                                                             PTR_ZENTREL_SWITCH_GET_ERR_INJECTION_INFO_RESP Response) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, Request != nullptr ? sizeof *Request : 0);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     const sim::Device &d = call.Target();
     if (Request == nullptr || Response == nullptr || !sim::HasPort(d, Request->Port))
@@ -293,10 +282,10 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetErrInjectionInfo(PTR_ZENTREL_DEVICE D
 }
 
 // Errors are injected only on a port whose link is up.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchSetErrInjection(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchSetErrInjection(PTR_ZENTREL_DEVICE Device,
                                                         PTR_ZENTREL_SWITCH_SET_ERR_INJECTION_REQ Request) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, Request != nullptr ? sizeof *Request : 0);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     sim::Device &d = call.Target();
     if (Request == nullptr || !sim::HasPort(d, Request->Port) || Request->ErrorType > ZENTREL_ERR_INJ_LAST ||
@@ -311,11 +300,11 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchSetErrInjection(PTR_ZENTREL_DEVICE Devic
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchTLPRoundTripTime(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchTLPRoundTripTime(PTR_ZENTREL_DEVICE Device,
                                                          PTR_ZENTREL_SWITCH_TLP_ROUND_TRIP_TIME_REQ Request,
                                                          PTR_ZENTREL_SWITCH_TLP_ROUND_TRIP_TIME_RESP Response) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, Request != nullptr ? sizeof *Request : 0);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     sim::Device &d = call.Target();
     if (Request == nullptr || Response == nullptr || !sim::HasPort(d, Request->Port))
@@ -329,10 +318,10 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchTLPRoundTripTime(PTR_ZENTREL_DEVICE Devi
 }
 
 // Starting a capture starts it afresh; stopping keeps what it saw.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchSetCreditCapture(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchSetCreditCapture(PTR_ZENTREL_DEVICE Device,
                                                          PTR_ZENTREL_SWITCH_SET_CREDIT_CAPTURE_REQ Request) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, Request != nullptr ? sizeof *Request : 0);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     sim::Device &d = call.Target();
     if (Request == nullptr || !sim::HasPort(d, Request->Port) || Request->Enable > 1)
@@ -348,11 +337,11 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchSetCreditCapture(PTR_ZENTREL_DEVICE Devi
 }
 
 // While a capture runs, each read finds it some samples further on.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetCreditCapture(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchGetCreditCapture(PTR_ZENTREL_DEVICE Device,
                                                          PTR_ZENTREL_SWITCH_GET_CREDIT_CAPTURE_REQ Request,
                                                          PTR_ZENTREL_SWITCH_GET_CREDIT_CAPTURE_RESP Response) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, Request != nullptr ? sizeof *Request : 0);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     sim::Device &d = call.Target();
     if (Request == nullptr || Response == nullptr || !sim::HasPort(d, Request->Port))
@@ -367,10 +356,10 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetCreditCapture(PTR_ZENTREL_DEVICE Devi
 
 // "Now" takes the link down at once; "on fatal" arms the port; "none"
 // disarms it and lets a link held down by a condition train again.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchSetLinkDownCondition(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchSetLinkDownCondition(PTR_ZENTREL_DEVICE Device,
                                                              PTR_ZENTREL_SWITCH_SET_LINK_DOWN_CONDITION_REQ Request) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, Request != nullptr ? sizeof *Request : 0);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     sim::Device &d = call.Target();
     if (Request == nullptr || !sim::HasPort(d, Request->Port) ||
@@ -385,11 +374,11 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchSetLinkDownCondition(PTR_ZENTREL_DEVICE 
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetLinkDownConditionStatus(
+ZENTREL_STATUS simlib::ZentrelSwitchGetLinkDownConditionStatus(
     PTR_ZENTREL_DEVICE Device, PTR_ZENTREL_SWITCH_GET_LINK_DOWN_CONDITION_REQ Request,
     PTR_ZENTREL_SWITCH_GET_LINK_DOWN_CONDITION_RESP Response) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, Request != nullptr ? sizeof *Request : 0);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     const sim::Device &d = call.Target();
     if (Request == nullptr || Response == nullptr || !sim::HasPort(d, Request->Port))

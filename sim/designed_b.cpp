@@ -6,21 +6,6 @@
 
 namespace sim {
 
-const char *const kDesignedBFunctions[] = {
-    "ZentrelSwitchGetHistoryBuffersInfo",
-    "ZentrelSwitchClearHistoryBuffer",
-    "ZentrelSwitchConfigureHistoryBuffer",
-    "ZentrelSwitchGetHistoryBufferEntries",
-    "ZentrelSwitchSetupPerfMonitoring",
-    "ZentrelSwitchTrap",
-    "ZentrelSwitchGetAddressTrapInBatch",
-    "ZentrelSwitchGetHPARangeInfoRequest",
-    "ZentrelSwitchSetEqualizationCtrl",
-    "ZentrelSwitchEqualizationCtrlGetBufSize",
-    "ZentrelSwitchGetEqualizationCtrl",
-    nullptr,
-};
-
 namespace {
 
 // Limits of fixed equalization values.
@@ -298,14 +283,14 @@ void ApplyEqControl(const DesignedBModel &m, uint32_t lane, ZENTREL_SWITCH_RX_EQ
 }
 
 extern const ModelPart kDesignedBPart = {
-    "designedB", kDesignedBFunctions, SetDesignedBDefaults, ApplyDesignedBKey, SaveDesignedB, nullptr, nullptr, nullptr,
+    "designedB", SetDesignedBDefaults, ApplyDesignedBKey, SaveDesignedB, nullptr, nullptr, nullptr,
 };
 
 }  // namespace sim
 
 using sim::Call;
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetHistoryBuffersInfo(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchGetHistoryBuffersInfo(PTR_ZENTREL_DEVICE Device,
                                                               PTR_ZENTREL_SWITCH_HISTORY_BUFFERS_INFO_RESP Info) {
     Call call(__func__);
     call.Dev(Device);
@@ -325,9 +310,9 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetHistoryBuffersInfo(PTR_ZENTREL_DEVICE
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchClearHistoryBuffer(PTR_ZENTREL_DEVICE Device, uint32_t Buffer) {
+ZENTREL_STATUS simlib::ZentrelSwitchClearHistoryBuffer(PTR_ZENTREL_DEVICE Device, uint32_t Buffer) {
     Call call(__func__);
-    call.Dev(Device).Arg("buffer", Buffer);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if (Buffer >= ZENTREL_HISTORY_BUFFER_COUNT) return call.Return(sim::kStatusInvalidParameter);
     sim::HistoryBuffer &b = call.Target().designedB.history[Buffer];
@@ -337,10 +322,10 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchClearHistoryBuffer(PTR_ZENTREL_DEVICE De
 }
 
 // A smaller depth keeps the newest entries.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchConfigureHistoryBuffer(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchConfigureHistoryBuffer(PTR_ZENTREL_DEVICE Device,
                                                                PTR_ZENTREL_SWITCH_CONFIGURE_HISTORY_BUFFER_REQ Request) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, sizeof *Request);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if (Request == nullptr || Request->Buffer >= ZENTREL_HISTORY_BUFFER_COUNT || Request->Enabled > 1 ||
         Request->Wrap > 1 || Request->Depth == 0 || Request->Depth > ZENTREL_HISTORY_MAX_DEPTH)
@@ -353,11 +338,11 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchConfigureHistoryBuffer(PTR_ZENTREL_DEVIC
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetHistoryBufferEntries(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchGetHistoryBufferEntries(PTR_ZENTREL_DEVICE Device,
                                                                 PTR_ZENTREL_SWITCH_HISTORY_ENTRIES_REQ Request,
                                                                 PTR_ZENTREL_SWITCH_HISTORY_ENTRIES_RESP Response) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, sizeof *Request);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if (Request == nullptr || Response == nullptr || Request->Buffer >= ZENTREL_HISTORY_BUFFER_COUNT)
         return call.Return(sim::kStatusInvalidParameter);
@@ -371,11 +356,11 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetHistoryBufferEntries(PTR_ZENTREL_DEVI
 }
 
 // Clearing zeroes the port's performance counters and keeps its monitoring.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchSetupPerfMonitoring(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchSetupPerfMonitoring(PTR_ZENTREL_DEVICE Device,
                                                             PTR_ZENTREL_SWITCH_PERF_MON_REQ Request,
                                                             PTR_ZENTREL_SWITCH_PERF_MON_RESP Response) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, sizeof *Request);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     sim::Device &device = call.Target();
     if (Request == nullptr || Response == nullptr || Request->Operation < ZENTREL_PERF_MON_ENABLE ||
@@ -400,9 +385,9 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchSetupPerfMonitoring(PTR_ZENTREL_DEVICE D
 }
 
 // Setting a trap starts it over; clearing it also drops its logged accesses.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchTrap(PTR_ZENTREL_DEVICE Device, PTR_ZENTREL_SWITCH_TRAP_REQ Request) {
+ZENTREL_STATUS simlib::ZentrelSwitchTrap(PTR_ZENTREL_DEVICE Device, PTR_ZENTREL_SWITCH_TRAP_REQ Request) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, sizeof *Request);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if (Request == nullptr || Request->Trap >= ZENTREL_TRAP_COUNT) return call.Return(sim::kStatusInvalidParameter);
     sim::DesignedBModel &m = call.Target().designedB;
@@ -421,11 +406,11 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchTrap(PTR_ZENTREL_DEVICE Device, PTR_ZENT
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetAddressTrapInBatch(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchGetAddressTrapInBatch(PTR_ZENTREL_DEVICE Device,
                                                               PTR_ZENTREL_SWITCH_TRAP_BATCH_REQ Request,
                                                               PTR_ZENTREL_SWITCH_TRAP_BATCH_RESP Response) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, sizeof *Request);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if (Request == nullptr || Response == nullptr) return call.Return(sim::kStatusInvalidParameter);
     const auto &log = call.Target().designedB.trapLog;
@@ -438,11 +423,11 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetAddressTrapInBatch(PTR_ZENTREL_DEVICE
 
 // One 64-bit prefetchable window per assigned downstream port with a device
 // attached, in port order, 256 MiB each from the host port's own base.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetHPARangeInfoRequest(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchGetHPARangeInfoRequest(PTR_ZENTREL_DEVICE Device,
                                                                PTR_ZENTREL_SWITCH_HPA_RANGE_REQ Request,
                                                                PTR_ZENTREL_SWITCH_HPA_RANGE_RESP Response) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, sizeof *Request);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     const sim::Device &device = call.Target();
     if (Request == nullptr || Response == nullptr || !sim::IsHostPort(device, Request->HostPort))
@@ -470,10 +455,10 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetHPARangeInfoRequest(PTR_ZENTREL_DEVIC
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchSetEqualizationCtrl(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchSetEqualizationCtrl(PTR_ZENTREL_DEVICE Device,
                                                             PTR_ZENTREL_SWITCH_EQ_CTRL_REQ Request) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, sizeof *Request);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     sim::Device &device = call.Target();
     if (Request == nullptr || !sim::LanesOk(device, Request->Lane, 1) || Request->Mode > ZENTREL_EQ_CTRL_FIXED)
@@ -490,10 +475,10 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchSetEqualizationCtrl(PTR_ZENTREL_DEVICE D
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchEqualizationCtrlGetBufSize(PTR_ZENTREL_DEVICE Device, uint32_t StartLane,
+ZENTREL_STATUS simlib::ZentrelSwitchEqualizationCtrlGetBufSize(PTR_ZENTREL_DEVICE Device, uint32_t StartLane,
                                                                    uint32_t NumLanes, uint32_t *BufSize) {
     Call call(__func__);
-    call.Dev(Device).Arg("startLane", StartLane).Arg("numLanes", NumLanes);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if (BufSize == nullptr || !sim::LanesOk(call.Target(), StartLane, NumLanes))
         return call.Return(sim::kStatusInvalidParameter);
@@ -501,10 +486,10 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchEqualizationCtrlGetBufSize(PTR_ZENTREL_D
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetEqualizationCtrl(PTR_ZENTREL_DEVICE Device, uint32_t StartLane,
+ZENTREL_STATUS simlib::ZentrelSwitchGetEqualizationCtrl(PTR_ZENTREL_DEVICE Device, uint32_t StartLane,
                                                             uint32_t NumLanes, void *Buffer, uint32_t BufSize) {
     Call call(__func__);
-    call.Dev(Device).Arg("startLane", StartLane).Arg("numLanes", NumLanes).Arg("bufSize", BufSize);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     const sim::Device &device = call.Target();
     if (Buffer == nullptr || !sim::LanesOk(device, StartLane, NumLanes) ||

@@ -7,19 +7,6 @@
 
 namespace sim {
 
-const char *const kDumpsFunctions[] = {
-    "ZentrelGetCoreDump",
-    "ZentrelSwitchIsCoredumpValid",
-    "ZentrelSwitchGetCoredumpInfo",
-    "ZentrelSwitchGetDecodedCoreDumpBySection",
-    "ZentrelEraseCoreDump",
-    "ZentrelGetTraceBuffer",
-    "ZentrelSwitchGetDecodedTraceBuffer",
-    "ZentrelSwitchSetTriggerCondForCoreDump",
-    "ZentrelSwitchGetTriggerCondForCoreDump",
-    nullptr,
-};
-
 namespace {
 
 constexpr uint32_t kPortsPerStation = 16;
@@ -297,7 +284,7 @@ ZENTREL_STATUS ReadTraceMemory(Call &call, uint8_t *buffer, uint32_t *length, bo
 }  // namespace
 
 extern const ModelPart kDumpsPart = {
-    "dumps", kDumpsFunctions, SetDumpsDefaults, ApplyDumpsKey, SaveDumps, PowerCycleDumps, nullptr, nullptr,
+    "dumps", SetDumpsDefaults, ApplyDumpsKey, SaveDumps, PowerCycleDumps, nullptr, nullptr,
 };
 
 }  // namespace sim
@@ -306,10 +293,10 @@ using sim::Call;
 
 // Type 0 is taken as the RAW dump. A buffer smaller than the dump gets as
 // much as it holds.
-ZENTREL_API ZENTREL_STATUS ZentrelGetCoreDump(PTR_ZENTREL_DEVICE Device, uint8_t *Buffer, uint32_t *Length,
+ZENTREL_STATUS simlib::ZentrelGetCoreDump(PTR_ZENTREL_DEVICE Device, uint8_t *Buffer, uint32_t *Length,
                                               uint16_t CoreDumpType) {
     Call call(__func__);
-    call.Dev(Device).Arg("length", Length != nullptr ? *Length : 0).Arg("type", CoreDumpType);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if (Buffer == nullptr || Length == nullptr || CoreDumpType > ZENTREL_COREDUMP_DECODED)
         return call.Return(sim::kStatusInvalidParameter);
@@ -326,10 +313,10 @@ ZENTREL_API ZENTREL_STATUS ZentrelGetCoreDump(PTR_ZENTREL_DEVICE Device, uint8_t
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchIsCoredumpValid(PTR_ZENTREL_DEVICE Device, uint32_t CoreDumpType,
+ZENTREL_STATUS simlib::ZentrelSwitchIsCoredumpValid(PTR_ZENTREL_DEVICE Device, uint32_t CoreDumpType,
                                                         uint32_t *Valid, uint32_t *Size) {
     Call call(__func__);
-    call.Dev(Device).Arg("type", CoreDumpType);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if (Valid == nullptr || Size == nullptr || CoreDumpType > ZENTREL_COREDUMP_DECODED)
         return call.Return(sim::kStatusInvalidParameter);
@@ -342,11 +329,11 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchIsCoredumpValid(PTR_ZENTREL_DEVICE Devic
 
 // The answer is about the type asked for (0 included); it fills as many
 // section entries as the response size leaves room for.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetCoredumpInfo(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchGetCoredumpInfo(PTR_ZENTREL_DEVICE Device,
                                                         PTR_ZENTREL_SWITCH_COREDUMP_INFO_REQ Request,
                                                         PTR_ZENTREL_SWITCH_COREDUMP_INFO_RESP Response) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, sizeof *Request);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if (Request == nullptr || Response == nullptr || (Request->Flags & ZENTREL_COREDUMP_INFO_REQUESTED) == 0 ||
         Request->CoreDumpType > ZENTREL_COREDUMP_DECODED || Request->ResponseSize < sizeof *Response)
@@ -374,10 +361,10 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetCoredumpInfo(PTR_ZENTREL_DEVICE Devic
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetDecodedCoreDumpBySection(PTR_ZENTREL_DEVICE Device, uint8_t *Buffer,
+ZENTREL_STATUS simlib::ZentrelSwitchGetDecodedCoreDumpBySection(PTR_ZENTREL_DEVICE Device, uint8_t *Buffer,
                                                                     uint32_t *Length, uint8_t SectionId) {
     Call call(__func__);
-    call.Dev(Device).Arg("length", Length != nullptr ? *Length : 0).Arg("section", SectionId);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if (Length == nullptr || (Buffer == nullptr && *Length != 0)) return call.Return(sim::kStatusInvalidParameter);
     const sim::CoreDump &dump = call.Target().dumps.coreDump;
@@ -395,7 +382,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetDecodedCoreDumpBySection(PTR_ZENTREL_
 }
 
 // Erasing when no dump is held succeeds as well.
-ZENTREL_API ZENTREL_STATUS ZentrelEraseCoreDump(PTR_ZENTREL_DEVICE Device) {
+ZENTREL_STATUS simlib::ZentrelEraseCoreDump(PTR_ZENTREL_DEVICE Device) {
     Call call(__func__);
     call.Dev(Device);
     if (!call.Proceed()) return call.Result();
@@ -403,25 +390,25 @@ ZENTREL_API ZENTREL_STATUS ZentrelEraseCoreDump(PTR_ZENTREL_DEVICE Device) {
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelGetTraceBuffer(PTR_ZENTREL_DEVICE Device, uint8_t *Buffer, uint32_t *Length) {
+ZENTREL_STATUS simlib::ZentrelGetTraceBuffer(PTR_ZENTREL_DEVICE Device, uint8_t *Buffer, uint32_t *Length) {
     Call call(__func__);
-    call.Dev(Device).Text("buffer", Buffer == nullptr ? nullptr : "given").Arg("length", Length != nullptr ? *Length : 0);
+    call.Dev(Device);
     return sim::ReadTraceMemory(call, Buffer, Length, false);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetDecodedTraceBuffer(PTR_ZENTREL_DEVICE Device, uint8_t *Buffer,
+ZENTREL_STATUS simlib::ZentrelSwitchGetDecodedTraceBuffer(PTR_ZENTREL_DEVICE Device, uint8_t *Buffer,
                                                               uint32_t *Length) {
     Call call(__func__);
-    call.Dev(Device).Text("buffer", Buffer == nullptr ? nullptr : "given").Arg("length", Length != nullptr ? *Length : 0);
+    call.Dev(Device);
     return sim::ReadTraceMemory(call, Buffer, Length, true);
 }
 
 // Ports only; port 255 sets every port. The overwrite operations ignore
 // the port and the bit map.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchSetTriggerCondForCoreDump(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchSetTriggerCondForCoreDump(PTR_ZENTREL_DEVICE Device,
                                                                   PTR_ZENTREL_SWITCH_SET_TRIGGER_COND_REQ Request) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, sizeof *Request);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if (Request == nullptr) return call.Return(sim::kStatusInvalidParameter);
     const ZENTREL_SWITCH_SET_TRIGGER_COND_REQ &r = *Request;
@@ -444,11 +431,11 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchSetTriggerCondForCoreDump(PTR_ZENTREL_DE
 }
 
 // A station or the switch answers with the conditions of any of its ports.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetTriggerCondForCoreDump(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchGetTriggerCondForCoreDump(PTR_ZENTREL_DEVICE Device,
                                                                   PTR_ZENTREL_SWITCH_GET_TRIGGER_COND_REQ Request,
                                                                   PTR_ZENTREL_SWITCH_GET_TRIGGER_COND_RESP Response) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, sizeof *Request);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if (Request == nullptr || Response == nullptr || Request->Operation > ZENTREL_TRIGGER_GET_OVERWRITE ||
         Request->QueryType > ZENTREL_TRIGGER_PERSISTENT)

@@ -5,11 +5,6 @@
 
 namespace sim {
 
-const char *const kFrontendFunctions[] = {
-    "ZentrelInitialize", "ZentrelExit", "ZentrelDiscoverDevices", "ZentrelGetDeviceCount", "ZentrelGetDeviceInfo",
-    nullptr,
-};
-
 namespace {
 
 // Two switches behind one SMBus segment: a current-generation switch of the
@@ -88,14 +83,14 @@ int ApplyFrontendKey(Device &device, const std::string &key, const Json &value, 
 
 // Nothing of the device information changes at run time.
 extern const ModelPart kFrontendPart = {
-    "frontend", kFrontendFunctions, SetFrontendDefaults, ApplyFrontendKey, nullptr, nullptr, nullptr, nullptr,
+    "frontend", SetFrontendDefaults, ApplyFrontendKey, nullptr, nullptr, nullptr, nullptr,
 };
 
 }  // namespace sim
 
 using sim::Call;
 
-ZENTREL_API ZENTREL_STATUS ZentrelInitialize(void) {
+ZENTREL_STATUS simlib::ZentrelInitialize(void) {
     Call call(__func__);
     if (!call.Proceed(false)) return call.Result();
     sim::State &model = call.Model();
@@ -107,7 +102,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelInitialize(void) {
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelExit(void) {
+ZENTREL_STATUS simlib::ZentrelExit(void) {
     Call call(__func__);
     if (!call.Proceed()) return call.Result();
     sim::SaveStateFile(call.Model().devices);
@@ -118,9 +113,8 @@ ZENTREL_API ZENTREL_STATUS ZentrelExit(void) {
 // Over SMBus (a device address is given) a switch answers when its address
 // and segment match. In band (address 0) every switch answers to a PCIe
 // location of 0/0/0, otherwise only the one at that bus, device and function.
-ZENTREL_API ZENTREL_STATUS ZentrelDiscoverDevices(uint32_t Mode, PTR_ZENTREL_DISCOVERY_REQ Request) {
+ZENTREL_STATUS simlib::ZentrelDiscoverDevices(uint32_t Mode, PTR_ZENTREL_DISCOVERY_REQ Request) {
     Call call(__func__);
-    call.Arg("mode", Mode).Bytes("request", Request, sizeof *Request);
     if (!call.Proceed()) return call.Result();
     if (Request == nullptr || (Mode != ZENTREL_DISCOVERY_MODE_LIST && Mode != ZENTREL_DISCOVERY_MODE_ADDRESS) ||
         Request->FixedWord != ZENTREL_DISCOVERY_FIXED_WORD || Request->FixedByte != ZENTREL_DISCOVERY_FIXED_BYTE)
@@ -142,7 +136,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelDiscoverDevices(uint32_t Mode, PTR_ZENTREL_DIS
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelGetDeviceCount(uint32_t *Count) {
+ZENTREL_STATUS simlib::ZentrelGetDeviceCount(uint32_t *Count) {
     Call call(__func__);
     if (!call.Proceed()) return call.Result();
     if (Count == nullptr) return call.Return(sim::kStatusInvalidParameter);
@@ -150,9 +144,8 @@ ZENTREL_API ZENTREL_STATUS ZentrelGetDeviceCount(uint32_t *Count) {
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelGetDeviceInfo(uint32_t Index, uint32_t Length, PTR_ZENTREL_DEVICE_INFO Info) {
+ZENTREL_STATUS simlib::ZentrelGetDeviceInfo(uint32_t Index, uint32_t Length, PTR_ZENTREL_DEVICE_INFO Info) {
     Call call(__func__);
-    call.Arg("index", Index).Arg("length", Length);
     if (!call.Proceed()) return call.Result();
     sim::State &model = call.Model();
     if (Info == nullptr || Length != ZENTREL_DEVICE_INFO_LENGTH) return call.Return(sim::kStatusInvalidParameter);

@@ -11,24 +11,7 @@ namespace sim {
 const char kFirmwareMagic[4] = {'Z', 'F', 'W', 'I'};
 const char kPldmMagic[4] = {'P', 'L', 'D', 'M'};
 
-const char *const kImagesFunctions[] = {
-    "ZentrelSwitchDownloadFirmware",
-    "ZentrelSwitchDownloadPldmFirmware",
-    "ZentrelSwitchSBRMFGConfiguration",
-    "ZentrelSwitchDownloadUnitSpecificData",
-    "ZentrelSwitchUploadUnitSpecificData",
-    "ZentrelSwitchDownloadMfgCfgPage",
-    nullptr,
-};
-
 namespace {
-
-// The trace shows at most this many leading bytes of an image (its header),
-// then its length and the CRC-32 of all of it.
-constexpr size_t kTracedImageBytes = kImageHeaderBytes;
-// The request bytes before the first pointer, the same on every target.
-constexpr size_t kPldmRequestBytes = offsetof(ZENTREL_SWITCH_PLDM_DOWNLOAD_REQ, Reserved8) + sizeof(uint32_t);
-constexpr size_t kSbrMfgRequestBytes = offsetof(ZENTREL_SWITCH_SBR_MFG_CFG_REQ, Reserved2) + 2;
 
 struct CrcTable {
     uint32_t entry[256];
@@ -121,12 +104,6 @@ void SaveImages(const Device &device, Json *flash, Json *) {
     (*flash)["mfgCfgPage"] = WriteHexBytes(m.cfgPage);
 }
 
-// The image's header bytes, its length and the CRC-32 of all of it.
-void TraceImage(Call &call, const uint8_t *image, uint32_t length) {
-    call.Bytes("image", image, length < kTracedImageBytes ? length : kTracedImageBytes).Arg("length", length);
-    if (image != nullptr) call.HexArg("crc32", Crc32(image, length));
-}
-
 // A firmware image or PLDM package the switch takes becomes its firmware.
 ZENTREL_STATUS Install(Call &call, const uint8_t *image, uint32_t length, const char (&magic)[4]) {
     if (image == nullptr) return call.Return(kStatusInvalidParameter);
@@ -145,7 +122,6 @@ ZENTREL_STATUS Replace(const char *function, PTR_ZENTREL_DEVICE device, const ui
                        size_t max, std::vector<uint8_t> ImagesModel::*region) {
     Call call(function);
     call.Dev(device);
-    TraceImage(call, image, length);
     if (!call.Proceed()) return call.Result();
     if (image == nullptr || length == 0 || length > max) return call.Return(kStatusInvalidParameter);
     (call.Target().images.*region).assign(image, image + length);
@@ -174,33 +150,30 @@ ZENTREL_STATUS CheckImage(const uint8_t *image, size_t length, const char (&magi
 }
 
 extern const ModelPart kImagesPart = {
-    "images", kImagesFunctions, SetImagesDefaults, ApplyImagesKey, SaveImages, nullptr, nullptr, nullptr,
+    "images", SetImagesDefaults, ApplyImagesKey, SaveImages, nullptr, nullptr, nullptr,
 };
 
 }  // namespace sim
 
 using sim::Call;
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchDownloadFirmware(PTR_ZENTREL_DEVICE Device, uint32_t Reserved1,
+ZENTREL_STATUS simlib::ZentrelSwitchDownloadFirmware(PTR_ZENTREL_DEVICE Device, uint32_t Reserved1,
                                                          uint32_t Reserved2, uint32_t Reserved3, uint8_t *Image,
                                                          uint32_t ImageLength) {
     Call call(__func__);
-    call.Dev(Device).Arg("reserved1", Reserved1).Arg("reserved2", Reserved2).Arg("reserved3", Reserved3);
-    sim::TraceImage(call, Image, ImageLength);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if (Reserved1 != 0 || Reserved2 != 0 || Reserved3 != 0) return call.Return(sim::kStatusInvalidParameter);
     return sim::Install(call, Image, ImageLength, sim::kFirmwareMagic);
 }
 
 // The request repeats the image and its length; both must agree with the
-// arguments. Its pointer is not traced, only its other bytes.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchDownloadPldmFirmware(PTR_ZENTREL_DEVICE Device,
+// arguments.
+ZENTREL_STATUS simlib::ZentrelSwitchDownloadPldmFirmware(PTR_ZENTREL_DEVICE Device,
                                                              PTR_ZENTREL_SWITCH_PLDM_DOWNLOAD_REQ Request,
                                                              uint8_t *Image, uint32_t ImageLength) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, sim::kPldmRequestBytes);
-    if (Request != nullptr) call.Arg("requestLength", Request->ImageLength);
-    sim::TraceImage(call, Image, ImageLength);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if (Request == nullptr || Request->Reserved0 != 0 || Request->Reserved4 != 0 || Request->Reserved8 != 0 ||
         Request->Image != Image || Request->ImageLength != ImageLength)
@@ -209,19 +182,17 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchDownloadPldmFirmware(PTR_ZENTREL_DEVICE 
 }
 
 // A set selects a configuration the switch holds and fills the selected
-// one; a get fills all three outputs. The trace shows which outputs were
-// given, never the pointers.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchSBRMFGConfiguration(PTR_ZENTREL_DEVICE Device,
+// one; a get fills all three outputs.
+ZENTREL_STATUS simlib::ZentrelSwitchSBRMFGConfiguration(PTR_ZENTREL_DEVICE Device,
                                                             PTR_ZENTREL_SWITCH_SBR_MFG_CFG_REQ Request) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, sim::kSbrMfgRequestBytes);
+    call.Dev(Device);
     if (Request != nullptr) {
         std::string outputs;
         if (Request->SelectionMethod != nullptr) outputs += "method ";
         if (Request->Selected != nullptr) outputs += "selected ";
         if (Request->Supported != nullptr) outputs += "supported ";
         if (!outputs.empty()) outputs.pop_back();
-        call.Text("outputs", outputs.c_str());
     }
     if (!call.Proceed()) return call.Result();
     if (Request == nullptr || Request->Selected == nullptr) return call.Return(sim::kStatusInvalidParameter);
@@ -243,19 +214,17 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchSBRMFGConfiguration(PTR_ZENTREL_DEVICE D
 }
 
 // The data replaces the region's; an empty or over-long one is refused.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchDownloadUnitSpecificData(PTR_ZENTREL_DEVICE Device, uint8_t *Image,
+ZENTREL_STATUS simlib::ZentrelSwitchDownloadUnitSpecificData(PTR_ZENTREL_DEVICE Device, uint8_t *Image,
                                                                  uint32_t ImageLength) {
     return sim::Replace(__func__, Device, Image, ImageLength, ZENTREL_USD_REGION_MAX, &sim::ImagesModel::usd);
 }
 
 // Without a buffer: the region's size. With one: the region, when *Size
 // bytes hold it.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchUploadUnitSpecificData(PTR_ZENTREL_DEVICE Device, uint8_t *Buffer,
+ZENTREL_STATUS simlib::ZentrelSwitchUploadUnitSpecificData(PTR_ZENTREL_DEVICE Device, uint8_t *Buffer,
                                                                uint32_t *Size) {
     Call call(__func__);
     call.Dev(Device);
-    if (Buffer == nullptr) call.Text("buffer", nullptr);
-    if (Size != nullptr) call.Arg("size", *Size);
     if (!call.Proceed()) return call.Result();
     if (Size == nullptr) return call.Return(sim::kStatusInvalidParameter);
     const std::vector<uint8_t> &usd = call.Target().images.usd;
@@ -269,7 +238,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchUploadUnitSpecificData(PTR_ZENTREL_DEVIC
 
 // The page replaces the switch's; an empty one, or one of more than 4096
 // bytes, is refused.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchDownloadMfgCfgPage(PTR_ZENTREL_DEVICE Device, uint8_t *Image,
+ZENTREL_STATUS simlib::ZentrelSwitchDownloadMfgCfgPage(PTR_ZENTREL_DEVICE Device, uint8_t *Image,
                                                            uint32_t ImageLength) {
     return sim::Replace(__func__, Device, Image, ImageLength, sim::kCfgPageMax, &sim::ImagesModel::cfgPage);
 }

@@ -7,17 +7,6 @@
 
 namespace sim {
 
-const char *const kLinkFunctions[] = {
-    "ZentrelSwitchMemoryRead",
-    "ZentrelSwitchMemoryWrite",
-    "ZentrelSwitchStopAndGetLtssmTrigger",
-    "ZentrelSwitchLtssmSetupTrigger",
-    "ZentrelSwitchLtssmIsTriggerred",
-    "ZentrelSwitchSetupLtssmMonitor",
-    "ZentrelSwitchGetPciePortPerformance",
-    nullptr,
-};
-
 namespace {
 
 // The trigger's dump could not be written: its directory does not exist.
@@ -442,22 +431,19 @@ void Arm(Device &device, uint32_t port, uint16_t state, bool monitor) {
 }  // namespace
 
 extern const ModelPart kLinkPart = {
-    "link", kLinkFunctions, SetLinkDefaults, ApplyLinkKey, SaveLink, PowerCycleLink, nullptr, nullptr,
+    "link", SetLinkDefaults, ApplyLinkKey, SaveLink, PowerCycleLink, nullptr, nullptr,
 };
 
 }  // namespace sim
 
 using sim::Call;
 
-// The trace shows at most this many bytes of a memory read or write.
-constexpr uint32_t kTracedBytes = 64;
-
 // Addresses from 0x60800000 to 0x608FFFFF, at most 4096 bytes a call; a
 // read of a probe register samples the selected port's LTSSM.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchMemoryRead(PTR_ZENTREL_DEVICE Device, uint32_t Address, void *Buffer,
+ZENTREL_STATUS simlib::ZentrelSwitchMemoryRead(PTR_ZENTREL_DEVICE Device, uint32_t Address, void *Buffer,
                                                    uint32_t Count) {
     Call call(__func__);
-    call.Dev(Device).HexArg("address", Address).Arg("count", Count);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if ((Buffer == nullptr && Count != 0) || !sim::InRegisterSpace(Address, Count))
         return call.Return(sim::kStatusInvalidParameter);
@@ -468,15 +454,14 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchMemoryRead(PTR_ZENTREL_DEVICE Device, ui
         sim::LogMemoryAccess(call.Target().designedB, word, value, false);
         for (uint32_t b = (Address + i) & 3u; b < 4 && i < Count; ++b, ++i) out[i] = static_cast<uint8_t>(value >> (8 * b));
     }
-    call.Bytes("data", Buffer, Count < kTracedBytes ? Count : kTracedBytes);
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
 // Words written in part keep their other bytes.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchMemoryWrite(PTR_ZENTREL_DEVICE Device, uint32_t Address, const void *Buffer,
+ZENTREL_STATUS simlib::ZentrelSwitchMemoryWrite(PTR_ZENTREL_DEVICE Device, uint32_t Address, const void *Buffer,
                                                     uint32_t Count) {
     Call call(__func__);
-    call.Dev(Device).HexArg("address", Address).Bytes("data", Buffer, Count < kTracedBytes ? Count : kTracedBytes);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if ((Buffer == nullptr && Count != 0) || !sim::InRegisterSpace(Address, Count))
         return call.Return(sim::kStatusInvalidParameter);
@@ -495,11 +480,11 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchMemoryWrite(PTR_ZENTREL_DEVICE Device, u
 
 // Disarms the port's trigger and dumps it into the directory, which must
 // exist. Nothing armed: nothing to dump, and success.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchStopAndGetLtssmTrigger(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchStopAndGetLtssmTrigger(PTR_ZENTREL_DEVICE Device,
                                                                PTR_ZENTREL_SWITCH_LTSSM_TRIGGER Trigger,
                                                                const char *DumpDirectory) {
     Call call(__func__);
-    call.Dev(Device).Bytes("trigger", Trigger, sizeof *Trigger).Text("directory", DumpDirectory);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if (Trigger == nullptr || DumpDirectory == nullptr || Trigger->PortNumber >= sim::kPortCount)
         return call.Return(sim::kStatusInvalidParameter);
@@ -514,11 +499,11 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchStopAndGetLtssmTrigger(PTR_ZENTREL_DEVIC
 
 // A condition above 0xFFF is no LTSSM state: the firmware sets its default,
 // Polling.Active, and says so through FwTriggerVal.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchLtssmSetupTrigger(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchLtssmSetupTrigger(PTR_ZENTREL_DEVICE Device,
                                                           PTR_ZENTREL_SWITCH_LTSSM_TRIGGER Trigger,
                                                           uint32_t *FwTriggerVal) {
     Call call(__func__);
-    call.Dev(Device).Bytes("trigger", Trigger, sizeof *Trigger);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if (Trigger == nullptr || FwTriggerVal == nullptr || Trigger->PortNumber >= sim::kPortCount)
         return call.Return(sim::kStatusInvalidParameter);
@@ -529,10 +514,10 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchLtssmSetupTrigger(PTR_ZENTREL_DEVICE Dev
 }
 
 // Time passes between queries: each one walks the port's LTSSM a step.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchLtssmIsTriggerred(PTR_ZENTREL_DEVICE Device, uint32_t PortNumber,
+ZENTREL_STATUS simlib::ZentrelSwitchLtssmIsTriggerred(PTR_ZENTREL_DEVICE Device, uint32_t PortNumber,
                                                           uint32_t *Triggered) {
     Call call(__func__);
-    call.Dev(Device).Arg("port", PortNumber);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if (Triggered == nullptr || PortNumber >= sim::kPortCount) return call.Return(sim::kStatusInvalidParameter);
     sim::Device &device = call.Target();
@@ -544,10 +529,10 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchLtssmIsTriggerred(PTR_ZENTREL_DEVICE Dev
 
 // Polling.Active and L0 only, with the fixed parameters 10, 0, 16, 39, 0
 // and every reserved byte zero.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchSetupLtssmMonitor(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchSetupLtssmMonitor(PTR_ZENTREL_DEVICE Device,
                                                           PTR_ZENTREL_SWITCH_SETUP_LTSSM_MONITOR_REQ Request) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, sizeof *Request);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if (Request == nullptr) return call.Return(sim::kStatusInvalidParameter);
     ZENTREL_SWITCH_SETUP_LTSSM_MONITOR_REQ expected;
@@ -566,10 +551,10 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchSetupLtssmMonitor(PTR_ZENTREL_DEVICE Dev
 
 // Each read counts the traffic of the statistic window (1000 ms when none is
 // given) and reports the counters before and after it.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetPciePortPerformance(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchGetPciePortPerformance(PTR_ZENTREL_DEVICE Device,
                                                                PTR_ZENTREL_SWITCH_PCIE_PORT_PERFORMANCE Performance) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Performance, 16).Arg("port", Performance != nullptr ? Performance->PortNumber : 0);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if (Performance == nullptr) return call.Return(sim::kStatusInvalidParameter);
     sim::Device &device = call.Target();

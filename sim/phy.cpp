@@ -8,20 +8,6 @@
 
 namespace sim {
 
-const char *const kPhyFunctions[] = {
-    "ZentrelSwitchGetLaneMarginCapacities",
-    "ZentrelSwitchPerformLaneMargining",
-    "ZentrelSwitchHardwareEyeStart",
-    "ZentrelSwitchHardwareEyePoll",
-    "ZentrelSwitchHardwareEyeGet",
-    "ZentrelSwitchHardwareEyeClean",
-    "ZentrelSwitchRxEqStatus",
-    "ZentrelSwitchTxCoeff",
-    "ZentrelSwitchGetSerdesInfo",
-    "ZentrelSwitchPrbs",
-    nullptr,
-};
-
 namespace {
 
 // Margining capabilities: voltage margining with independent up/down and
@@ -329,18 +315,18 @@ int32_t PrbsErrorsPerSecond(const PhyModel &m, uint32_t lane) {
 }
 
 extern const ModelPart kPhyPart = {
-    "phy", kPhyFunctions, SetPhyDefaults, ApplyPhyKey, SavePhy, nullptr, nullptr, nullptr,
+    "phy", SetPhyDefaults, ApplyPhyKey, SavePhy, nullptr, nullptr, nullptr,
 };
 
 }  // namespace sim
 
 using sim::Call;
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetLaneMarginCapacities(PTR_ZENTREL_DEVICE Device, uint8_t Port,
+ZENTREL_STATUS simlib::ZentrelSwitchGetLaneMarginCapacities(PTR_ZENTREL_DEVICE Device, uint8_t Port,
                                                                 uint16_t Lane, uint32_t *MarginControlCaps,
                                                                 uint32_t *Steps, uint32_t *Offsets) {
     Call call(__func__);
-    call.Dev(Device).Arg("port", Port).Arg("lane", Lane);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     const sim::PhyModel &m = call.Target().phy;
     uint32_t lane = 0;
@@ -357,11 +343,11 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetLaneMarginCapacities(PTR_ZENTREL_DEVI
 // Each direction is margined up to the steps asked for; a lane passes them
 // all, or stops where its errors pass the limit (a larger limit reaches a
 // little further).
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchPerformLaneMargining(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchPerformLaneMargining(PTR_ZENTREL_DEVICE Device,
                                                              PTR_ZENTREL_SWITCH_LANE_MARGIN_REQ Request,
                                                              PTR_ZENTREL_SWITCH_LANE_MARGIN_RESULT Results) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, sizeof *Request);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if (Request == nullptr || Request->Reserved1 != 0) return call.Return(sim::kStatusInvalidParameter);
     const sim::PhyModel &m = call.Target().phy;
@@ -407,11 +393,11 @@ void WriteEyeHeader(const sim::EyeScan &scan, PTR_ZENTREL_SWITCH_HW_EYE eye) {
 
 }  // namespace
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchHardwareEyeStart(PTR_ZENTREL_DEVICE Device, uint32_t StartLane,
+ZENTREL_STATUS simlib::ZentrelSwitchHardwareEyeStart(PTR_ZENTREL_DEVICE Device, uint32_t StartLane,
                                                          uint32_t NumLanes, uint32_t TargetBer,
                                                          PTR_ZENTREL_SWITCH_HW_EYE Eye) {
     Call call(__func__);
-    call.Dev(Device).Arg("startLane", StartLane).Arg("numLanes", NumLanes).HexArg("targetBer", TargetBer);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     sim::PhyModel &m = call.Target().phy;
     if (!EyeCallValid(m, StartLane, NumLanes, Eye, false)) return call.Return(sim::kStatusInvalidParameter);
@@ -420,10 +406,10 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchHardwareEyeStart(PTR_ZENTREL_DEVICE Devi
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchHardwareEyePoll(PTR_ZENTREL_DEVICE Device, uint32_t StartLane,
+ZENTREL_STATUS simlib::ZentrelSwitchHardwareEyePoll(PTR_ZENTREL_DEVICE Device, uint32_t StartLane,
                                                         uint32_t NumLanes, PTR_ZENTREL_SWITCH_HW_EYE Eye) {
     Call call(__func__);
-    call.Dev(Device).Arg("startLane", StartLane).Arg("numLanes", NumLanes);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     sim::PhyModel &m = call.Target().phy;
     if (!EyeCallValid(m, StartLane, NumLanes, Eye, true)) return call.Return(sim::kStatusInvalidParameter);
@@ -432,10 +418,10 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchHardwareEyePoll(PTR_ZENTREL_DEVICE Devic
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchHardwareEyeGet(PTR_ZENTREL_DEVICE Device, uint32_t StartLane,
+ZENTREL_STATUS simlib::ZentrelSwitchHardwareEyeGet(PTR_ZENTREL_DEVICE Device, uint32_t StartLane,
                                                        uint32_t NumLanes, PTR_ZENTREL_SWITCH_HW_EYE Eye) {
     Call call(__func__);
-    call.Dev(Device).Arg("startLane", StartLane).Arg("numLanes", NumLanes);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     const sim::PhyModel &m = call.Target().phy;
     if (!EyeCallValid(m, StartLane, NumLanes, Eye, true)) return call.Return(sim::kStatusInvalidParameter);
@@ -445,10 +431,10 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchHardwareEyeGet(PTR_ZENTREL_DEVICE Device
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchHardwareEyeClean(PTR_ZENTREL_DEVICE Device, uint32_t StartLane,
+ZENTREL_STATUS simlib::ZentrelSwitchHardwareEyeClean(PTR_ZENTREL_DEVICE Device, uint32_t StartLane,
                                                          uint32_t NumLanes, PTR_ZENTREL_SWITCH_HW_EYE Eye) {
     Call call(__func__);
-    call.Dev(Device).Arg("startLane", StartLane).Arg("numLanes", NumLanes);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     sim::PhyModel &m = call.Target().phy;
     if (!EyeCallValid(m, StartLane, NumLanes, Eye, true)) return call.Return(sim::kStatusInvalidParameter);
@@ -457,10 +443,10 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchHardwareEyeClean(PTR_ZENTREL_DEVICE Devi
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchRxEqStatus(PTR_ZENTREL_DEVICE Device, uint32_t StartLane, uint32_t NumLanes,
+ZENTREL_STATUS simlib::ZentrelSwitchRxEqStatus(PTR_ZENTREL_DEVICE Device, uint32_t StartLane, uint32_t NumLanes,
                                                    PTR_ZENTREL_SWITCH_RX_EQ_STATUS Status) {
     Call call(__func__);
-    call.Dev(Device).Arg("startLane", StartLane).Arg("numLanes", NumLanes);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     const sim::PhyModel &m = call.Target().phy;
     if (Status == nullptr || !sim::LanesExist(m, StartLane, NumLanes)) return call.Return(sim::kStatusInvalidParameter);
@@ -471,10 +457,10 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchRxEqStatus(PTR_ZENTREL_DEVICE Device, ui
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchTxCoeff(PTR_ZENTREL_DEVICE Device, uint32_t StartLane, uint32_t NumLanes,
+ZENTREL_STATUS simlib::ZentrelSwitchTxCoeff(PTR_ZENTREL_DEVICE Device, uint32_t StartLane, uint32_t NumLanes,
                                                 uint32_t Reserved, PTR_ZENTREL_SWITCH_TX_COEFF Coefficients) {
     Call call(__func__);
-    call.Dev(Device).Arg("startLane", StartLane).Arg("numLanes", NumLanes).Arg("reserved", Reserved);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     const sim::PhyModel &m = call.Target().phy;
     if (Coefficients == nullptr || Reserved != 0 || !sim::LanesExist(m, StartLane, NumLanes))
@@ -488,11 +474,11 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchTxCoeff(PTR_ZENTREL_DEVICE Device, uint3
 
 // A lane of the switch, or every lane of a port that exists, as wide as
 // the port can be.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetSerdesInfo(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchGetSerdesInfo(PTR_ZENTREL_DEVICE Device,
                                                       PTR_ZENTREL_SWITCH_SERDES_INFO_REQ Request,
                                                       PTR_ZENTREL_SWITCH_SERDES_INFO_RESP Response) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, sizeof *Request);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if (Request == nullptr || Response == nullptr) return call.Return(sim::kStatusInvalidParameter);
     const sim::Device &d = call.Target();
@@ -517,10 +503,10 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetSerdesInfo(PTR_ZENTREL_DEVICE Device,
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchPrbs(PTR_ZENTREL_DEVICE Device, PTR_ZENTREL_SWITCH_PRBS_REQ Request,
+ZENTREL_STATUS simlib::ZentrelSwitchPrbs(PTR_ZENTREL_DEVICE Device, PTR_ZENTREL_SWITCH_PRBS_REQ Request,
                                              PTR_ZENTREL_SWITCH_PRBS_CHECKER_RESP Response) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, sizeof *Request);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if (Request == nullptr) return call.Return(sim::kStatusInvalidParameter);
     return call.Return(sim::Prbs(call.Target(), *Request, Response));

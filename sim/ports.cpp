@@ -6,16 +6,6 @@
 
 namespace sim {
 
-const char *const kPortsFunctions[] = {
-    "ZentrelSwitchGetPciePortProperties",
-    "ZentrelSwitchGetSinglePortPciePortProperties",
-    "ZentrelSwitchGetPciPortErrorStatistics",
-    "ZentrelSwitchResetPciPortErrorStatistics",
-    "ZentrelSwitchPacketRamSoftErrorCount",
-    "ZentrelSwitchResetPacketRamSoftErrorCount",
-    nullptr,
-};
-
 namespace {
 
 constexpr uint32_t kLastPortNumber = ZENTREL_PORT_COUNT - 1;
@@ -513,14 +503,14 @@ ZENTREL_SWITCH_PORT_ENTRY Shown(const Device &d, uint32_t port) {
 }
 
 extern const ModelPart kPortsPart = {
-    "ports", kPortsFunctions, SetPortsDefaults, ApplyPortsKey, SavePorts, nullptr, nullptr, nullptr,
+    "ports", SetPortsDefaults, ApplyPortsKey, SavePorts, nullptr, nullptr, nullptr,
 };
 
 }  // namespace sim
 
 using sim::Call;
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetPciePortProperties(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchGetPciePortProperties(PTR_ZENTREL_DEVICE Device,
                                                               PTR_ZENTREL_SWITCH_PORT_PROPERTIES Properties) {
     Call call(__func__);
     call.Dev(Device);
@@ -533,10 +523,10 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetPciePortProperties(PTR_ZENTREL_DEVICE
 
 // Only the asked port's entry is filled; a port the switch does not have
 // (or a number beyond 143) is refused.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetSinglePortPciePortProperties(PTR_ZENTREL_DEVICE Device, uint32_t Port,
+ZENTREL_STATUS simlib::ZentrelSwitchGetSinglePortPciePortProperties(PTR_ZENTREL_DEVICE Device, uint32_t Port,
                                                                         PTR_ZENTREL_SWITCH_PORT_PROPERTIES Properties) {
     Call call(__func__);
-    call.Dev(Device).Arg("port", Port);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     const sim::PortsModel &m = call.Target().ports;
     if (Properties == nullptr || !sim::PortExists(m, Port)) return call.Return(sim::kStatusInvalidParameter);
@@ -547,10 +537,10 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetSinglePortPciePortProperties(PTR_ZENT
 
 // The station, station port, global id and link speed are the port's own;
 // a port whose link is down reports speed 0.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetPciPortErrorStatistics(PTR_ZENTREL_DEVICE Device, uint32_t Port,
+ZENTREL_STATUS simlib::ZentrelSwitchGetPciPortErrorStatistics(PTR_ZENTREL_DEVICE Device, uint32_t Port,
                                                                   PTR_ZENTREL_SWITCH_PORT_ERROR_STATISTICS Statistics) {
     Call call(__func__);
-    call.Dev(Device).Arg("port", Port);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     const sim::PortsModel &m = call.Target().ports;
     if (Statistics == nullptr || !sim::PortExists(m, Port)) return call.Return(sim::kStatusInvalidParameter);
@@ -565,9 +555,9 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetPciPortErrorStatistics(PTR_ZENTREL_DE
 
 // Clears the port's counters and error status bits; masks, severities and
 // the capabilities stay.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchResetPciPortErrorStatistics(PTR_ZENTREL_DEVICE Device, uint32_t Port) {
+ZENTREL_STATUS simlib::ZentrelSwitchResetPciPortErrorStatistics(PTR_ZENTREL_DEVICE Device, uint32_t Port) {
     Call call(__func__);
-    call.Dev(Device).Arg("port", Port);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     sim::PortsModel &m = call.Target().ports;
     if (!sim::PortExists(m, Port)) return call.Return(sim::kStatusInvalidParameter);
@@ -575,13 +565,13 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchResetPciPortErrorStatistics(PTR_ZENTREL_
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchPacketRamSoftErrorCount(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchPacketRamSoftErrorCount(PTR_ZENTREL_DEVICE Device,
                                                                 PTR_ZENTREL_SWITCH_PACKET_RAM_SOFT_ERROR_COUNT Count) {
     return sim::ReadFromDevice(__func__, Device, Count, [](const sim::Device &d) { return d.ports.packetRam; });
 }
 
 // Clears every station's counters.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchResetPacketRamSoftErrorCount(PTR_ZENTREL_DEVICE Device) {
+ZENTREL_STATUS simlib::ZentrelSwitchResetPacketRamSoftErrorCount(PTR_ZENTREL_DEVICE Device) {
     Call call(__func__);
     call.Dev(Device);
     if (!call.Proceed()) return call.Result();

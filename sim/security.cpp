@@ -5,17 +5,6 @@
 
 namespace sim {
 
-const char *const kSecurityFunctions[] = {
-    "ZentrelSwitchSecureBootInfo",
-    "ZentrelSwitchSpdmSecureInfo",
-    "ZentrelSwitchGetSPDMInfo",
-    "ZentrelSwitchSPDMExportCSR",
-    "ZentrelSwitchSPDMImportCertificate",
-    "ZentrelSwitchSPDMReadSlotCertificate",
-    "ZentrelSwitchSPDMSlotManagement",
-    nullptr,
-};
-
 namespace {
 
 using Bytes = std::vector<uint8_t>;
@@ -338,13 +327,11 @@ SpdmSlot *FindSlot(SecurityModel &s, uint8_t slot, uint8_t group) {
     return &s.slots[slot];
 }
 
-// Every slot call: traced with its numbers and file, then the slot it names.
+// Every slot call: the slot it names.
 template <typename Act>
-ZENTREL_STATUS SlotCall(const char *function, PTR_ZENTREL_DEVICE device, uint8_t slot, uint8_t group,
-                        const char *file, Act act) {
+ZENTREL_STATUS SlotCall(const char *function, PTR_ZENTREL_DEVICE device, uint8_t slot, uint8_t group, Act act) {
     Call call(function);
-    call.Dev(device).Arg("slot", slot).Arg("group", group);
-    if (file != nullptr) call.Text("file", file);
+    call.Dev(device);
     if (!call.Proceed()) return call.Result();
     Device &d = call.Target();
     SpdmSlot *target = FindSlot(d.security, slot, group);
@@ -355,14 +342,14 @@ ZENTREL_STATUS SlotCall(const char *function, PTR_ZENTREL_DEVICE device, uint8_t
 }  // namespace
 
 extern const ModelPart kSecurityPart = {
-    "security", kSecurityFunctions, SetSecurityDefaults, ApplySecurityKey, SaveSecurity, nullptr, nullptr, nullptr,
+    "security", SetSecurityDefaults, ApplySecurityKey, SaveSecurity, nullptr, nullptr, nullptr,
 };
 
 }  // namespace sim
 
 using sim::Call;
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchSecureBootInfo(PTR_ZENTREL_DEVICE Device, uint32_t *Filled,
+ZENTREL_STATUS simlib::ZentrelSwitchSecureBootInfo(PTR_ZENTREL_DEVICE Device, uint32_t *Filled,
                                                        PTR_ZENTREL_SWITCH_SECURE_BOOT_INFO Info) {
     Call call(__func__);
     call.Dev(Device);
@@ -373,7 +360,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchSecureBootInfo(PTR_ZENTREL_DEVICE Device
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetSPDMInfo(PTR_ZENTREL_DEVICE Device, PTR_ZENTREL_SWITCH_SPDM_INFO Info) {
+ZENTREL_STATUS simlib::ZentrelSwitchGetSPDMInfo(PTR_ZENTREL_DEVICE Device, PTR_ZENTREL_SWITCH_SPDM_INFO Info) {
     Call call(__func__);
     call.Dev(Device);
     if (!call.Proceed()) return call.Result();
@@ -392,7 +379,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetSPDMInfo(PTR_ZENTREL_DEVICE Device, P
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchSpdmSecureInfo(PTR_ZENTREL_DEVICE Device, uint32_t *Filled,
+ZENTREL_STATUS simlib::ZentrelSwitchSpdmSecureInfo(PTR_ZENTREL_DEVICE Device, uint32_t *Filled,
                                                        PTR_ZENTREL_SWITCH_SPDM_SECURE_INFO Info) {
     Call call(__func__);
     call.Dev(Device);
@@ -414,18 +401,18 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchSpdmSecureInfo(PTR_ZENTREL_DEVICE Device
 
 // The switch makes a new key for the slot and writes the request for its
 // certificate; a sealed slot keeps its key.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchSPDMExportCSR(PTR_ZENTREL_DEVICE Device, uint8_t Slot, uint8_t SlotGroup,
+ZENTREL_STATUS simlib::ZentrelSwitchSPDMExportCSR(PTR_ZENTREL_DEVICE Device, uint8_t Slot, uint8_t SlotGroup,
                                                       const char *FileName) {
-    return sim::SlotCall(__func__, Device, Slot, SlotGroup, FileName, [&](sim::Device &d, sim::SpdmSlot &slot) {
+    return sim::SlotCall(__func__, Device, Slot, SlotGroup, [&](sim::Device &d, sim::SpdmSlot &slot) {
         if (slot.sealed) return static_cast<ZENTREL_STATUS>(sim::kStatusSlotSealed);
         if (!sim::WriteFileBytes(FileName, sim::Csr(d.info.Handle, Slot))) return static_cast<ZENTREL_STATUS>(sim::kStatusFileError);
         return ZENTREL_STATUS_SUCCESS;
     });
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchSPDMImportCertificate(PTR_ZENTREL_DEVICE Device, uint8_t Slot,
+ZENTREL_STATUS simlib::ZentrelSwitchSPDMImportCertificate(PTR_ZENTREL_DEVICE Device, uint8_t Slot,
                                                               uint8_t SlotGroup, const char *FileName) {
-    return sim::SlotCall(__func__, Device, Slot, SlotGroup, FileName, [&](sim::Device &, sim::SpdmSlot &slot) {
+    return sim::SlotCall(__func__, Device, Slot, SlotGroup, [&](sim::Device &, sim::SpdmSlot &slot) {
         if (slot.sealed) return static_cast<ZENTREL_STATUS>(sim::kStatusSlotSealed);
         std::vector<uint8_t> der;
         if (!sim::ReadFileBytes(FileName, sim::kMaxCertificateBytes, &der)) {
@@ -440,9 +427,9 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchSPDMImportCertificate(PTR_ZENTREL_DEVICE
     });
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchSPDMReadSlotCertificate(PTR_ZENTREL_DEVICE Device, uint8_t Slot,
+ZENTREL_STATUS simlib::ZentrelSwitchSPDMReadSlotCertificate(PTR_ZENTREL_DEVICE Device, uint8_t Slot,
                                                                 uint8_t SlotGroup, const char *FileName) {
-    return sim::SlotCall(__func__, Device, Slot, SlotGroup, FileName, [&](sim::Device &, sim::SpdmSlot &slot) {
+    return sim::SlotCall(__func__, Device, Slot, SlotGroup, [&](sim::Device &, sim::SpdmSlot &slot) {
         if (!slot.occupied) return static_cast<ZENTREL_STATUS>(sim::kStatusSlotEmpty);
         if (!sim::WriteFileBytes(FileName, slot.certificate)) return static_cast<ZENTREL_STATUS>(sim::kStatusFileError);
         return ZENTREL_STATUS_SUCCESS;
@@ -450,8 +437,8 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchSPDMReadSlotCertificate(PTR_ZENTREL_DEVI
 }
 
 // Invalidating an empty slot is accepted and changes nothing.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchSPDMSlotManagement(PTR_ZENTREL_DEVICE Device, uint8_t Slot, uint8_t SlotGroup) {
-    return sim::SlotCall(__func__, Device, Slot, SlotGroup, nullptr, [](sim::Device &, sim::SpdmSlot &slot) {
+ZENTREL_STATUS simlib::ZentrelSwitchSPDMSlotManagement(PTR_ZENTREL_DEVICE Device, uint8_t Slot, uint8_t SlotGroup) {
+    return sim::SlotCall(__func__, Device, Slot, SlotGroup, [](sim::Device &, sim::SpdmSlot &slot) {
         if (slot.sealed) return static_cast<ZENTREL_STATUS>(sim::kStatusSlotSealed);
         slot.occupied = false;
         slot.certificate.clear();

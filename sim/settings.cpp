@@ -12,20 +12,6 @@ ZENTREL_SWITCH_MFG_INFO switchMfgInfo_temp = {};
 
 namespace sim {
 
-const char *const kSettingsFunctions[] = {
-    "ZentrelGetTemperature",
-    "ZentrelSwitchGetMfgInfo",
-    "ZentrelSwitchGetSBRVersion",
-    "ZentrelSwitchGetWaferInfo",
-    "ZentrelSwitchSetTime",
-    "ZentrelSetLibParameters",
-    "ZentrelGetLibParameters",
-    "ZentrelSwitchSetOOBParams",
-    "ZentrelSwitchGetOOBParams",
-    "ZentrelSwitchSetAsyncCommandTimeout",
-    nullptr,
-};
-
 namespace {
 
 // Two switches of one vendor: the current 144-lane part, whose identity
@@ -68,9 +54,6 @@ struct LibParameters {
     char path[ZENTREL_LIB_PATH_SET_LENGTH] = {};  // empty: console logging
 };
 LibParameters gLibParameters;
-
-// The record's bytes before the path pointer, the same on every target.
-constexpr size_t kLibParameterBytes = offsetof(ZENTREL_LIB_PARAMETERS, DebugLogOverwrite) + sizeof(uint32_t);
 
 // Copies a text into a fixed field: zero-padded, unterminated when full.
 void PutText(char *field, size_t width, const char *text) {
@@ -250,18 +233,18 @@ void SetSettingsDefaults(Device &device, size_t index) {
 }  // namespace
 
 extern const ModelPart kSettingsPart = {
-    "settings", kSettingsFunctions, SetSettingsDefaults, ApplySettingsKey, SaveSettings, nullptr, ApplyLibraryKey, SaveLibrary,
+    "settings", SetSettingsDefaults, ApplySettingsKey, SaveSettings, nullptr, ApplyLibraryKey, SaveLibrary,
 };
 
 }  // namespace sim
 
 using sim::Call;
 
-ZENTREL_API ZENTREL_STATUS ZentrelGetTemperature(PTR_ZENTREL_DEVICE Device, uint32_t *Temperature) {
+ZENTREL_STATUS simlib::ZentrelGetTemperature(PTR_ZENTREL_DEVICE Device, uint32_t *Temperature) {
     return sim::ReadFromDevice(__func__, Device, Temperature, [](const sim::Device &d) { return d.settings.temperature; });
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetMfgInfo(PTR_ZENTREL_DEVICE Device, PTR_ZENTREL_SWITCH_MFG_INFO MfgInfo) {
+ZENTREL_STATUS simlib::ZentrelSwitchGetMfgInfo(PTR_ZENTREL_DEVICE Device, PTR_ZENTREL_SWITCH_MFG_INFO MfgInfo) {
     Call call(__func__);
     call.Dev(Device);
     if (!call.Proceed()) return call.Result();
@@ -271,7 +254,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetMfgInfo(PTR_ZENTREL_DEVICE Device, PT
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetSBRVersion(PTR_ZENTREL_DEVICE Device, PTR_ZENTREL_SWITCH_SBR_VERSION Version) {
+ZENTREL_STATUS simlib::ZentrelSwitchGetSBRVersion(PTR_ZENTREL_DEVICE Device, PTR_ZENTREL_SWITCH_SBR_VERSION Version) {
     Call call(__func__);
     call.Dev(Device);
     if (!call.Proceed()) return call.Result();
@@ -282,17 +265,17 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetSBRVersion(PTR_ZENTREL_DEVICE Device,
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetWaferInfo(PTR_ZENTREL_DEVICE Device, PTR_ZENTREL_SWITCH_WAFER_INFO WaferInfo) {
+ZENTREL_STATUS simlib::ZentrelSwitchGetWaferInfo(PTR_ZENTREL_DEVICE Device, PTR_ZENTREL_SWITCH_WAFER_INFO WaferInfo) {
     return sim::ReadFromDevice(__func__, Device, WaferInfo, [](const sim::Device &d) { return d.settings.wafer; });
 }
 
 // An issuer holding the time (it set it with a hold duration) keeps the
 // others from changing it until it sets the time again without a hold.
 // The response names the issuer holding the time after the call.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchSetTime(PTR_ZENTREL_DEVICE Device, PTR_ZENTREL_SWITCH_TIME_REQ Request,
+ZENTREL_STATUS simlib::ZentrelSwitchSetTime(PTR_ZENTREL_DEVICE Device, PTR_ZENTREL_SWITCH_TIME_REQ Request,
                                                 PTR_ZENTREL_SWITCH_TIME_RESP Response) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, sizeof *Request);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if (Request == nullptr || Response == nullptr || Request->IssuerID > ZENTREL_TIME_ISSUER_MAX)
         return call.Return(sim::kStatusInvalidParameter);
@@ -313,15 +296,8 @@ void sim::ResetLibParameters() {
     sim::gLibParameters = sim::LibParameters();
 }
 
-// The path is traced as text and left out of the record's bytes, whose
-// pointer differs from run to run.
-ZENTREL_API ZENTREL_STATUS ZentrelSetLibParameters(PTR_ZENTREL_LIB_PARAMETERS Params) {
+ZENTREL_STATUS simlib::ZentrelSetLibParameters(PTR_ZENTREL_LIB_PARAMETERS Params) {
     Call call(__func__);
-    call.Bytes("params", Params, sim::kLibParameterBytes);
-    if (Params != nullptr && Params->DebugLogFilePath != nullptr)
-        call.Text("path", sim::Bounded(Params->DebugLogFilePath, ZENTREL_LIB_PATH_SET_LENGTH).c_str());
-    else
-        call.Text("path", nullptr);
     if (!call.Proceed()) return call.Result();
     if (Params == nullptr) return call.Return(sim::kStatusInvalidParameter);
     sim::LibParameters &p = sim::gLibParameters;
@@ -341,13 +317,8 @@ ZENTREL_API ZENTREL_STATUS ZentrelSetLibParameters(PTR_ZENTREL_LIB_PARAMETERS Pa
 
 // Fills the caller's path buffer, cut to its 256 bytes, or sets the path
 // pointer to null while the library logs to the console.
-ZENTREL_API ZENTREL_STATUS ZentrelGetLibParameters(PTR_ZENTREL_LIB_PARAMETERS Params) {
+ZENTREL_STATUS simlib::ZentrelGetLibParameters(PTR_ZENTREL_LIB_PARAMETERS Params) {
     Call call(__func__);
-    call.Bytes("params", Params, sim::kLibParameterBytes);
-    if (Params != nullptr && Params->DebugLogFilePath != nullptr)
-        call.Text("path", sim::Bounded(Params->DebugLogFilePath, ZENTREL_LIB_PATH_GET_LENGTH).c_str());
-    else
-        call.Text("path", nullptr);
     if (!call.Proceed()) return call.Result();
     if (Params == nullptr) return call.Return(sim::kStatusInvalidParameter);
     const sim::LibParameters &p = sim::gLibParameters;
@@ -366,9 +337,9 @@ ZENTREL_API ZENTREL_STATUS ZentrelGetLibParameters(PTR_ZENTREL_LIB_PARAMETERS Pa
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchSetOOBParams(PTR_ZENTREL_DEVICE Device, PTR_ZENTREL_SWITCH_OOB_PARAMS_REQ Params) {
+ZENTREL_STATUS simlib::ZentrelSwitchSetOOBParams(PTR_ZENTREL_DEVICE Device, PTR_ZENTREL_SWITCH_OOB_PARAMS_REQ Params) {
     Call call(__func__);
-    call.Dev(Device).Bytes("params", Params, sizeof *Params);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if (Params == nullptr) return call.Return(sim::kStatusInvalidParameter);
     ZENTREL_SWITCH_OOB_PARAMS_RESP &oob = call.Target().settings.oob;
@@ -379,13 +350,13 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchSetOOBParams(PTR_ZENTREL_DEVICE Device, 
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetOOBParams(PTR_ZENTREL_DEVICE Device, PTR_ZENTREL_SWITCH_OOB_PARAMS_RESP Params) {
+ZENTREL_STATUS simlib::ZentrelSwitchGetOOBParams(PTR_ZENTREL_DEVICE Device, PTR_ZENTREL_SWITCH_OOB_PARAMS_RESP Params) {
     return sim::ReadFromDevice(__func__, Device, Params, [](const sim::Device &d) { return d.settings.oob; });
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchSetAsyncCommandTimeout(PTR_ZENTREL_DEVICE Device, uint32_t Timeout) {
+ZENTREL_STATUS simlib::ZentrelSwitchSetAsyncCommandTimeout(PTR_ZENTREL_DEVICE Device, uint32_t Timeout) {
     Call call(__func__);
-    call.Dev(Device).Arg("timeout", Timeout);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     call.Target().settings.asyncTimeout = Timeout;
     return call.Return(ZENTREL_STATUS_SUCCESS);

@@ -21,6 +21,15 @@
 #include "status_model.h"
 #include "topology_model.h"
 #include "zentrel.h"
+#include "interface.h"
+
+// The model of each library function; the exported function of the same
+// name (sim/exports.cpp) calls it, or replays the call from a recording.
+namespace simlib {
+#define ZENTREL_FUNCTION(name, ...) ZENTREL_STATUS name(ZI_PARAMS(__VA_ARGS__));
+#include "zentrel_interface.def"
+#undef ZENTREL_FUNCTION
+}  // namespace simlib
 
 namespace sim {
 
@@ -31,6 +40,7 @@ enum : ZENTREL_STATUS {
     kStatusInvalidParameter = 0x2, // null record, wrong length, index out of range
     kStatusNoSuchDevice = 0x3,     // the device argument names no simulated switch
     kStatusNotInitialized = 0x4,   // called before ZentrelInitialize
+    kStatusNotRecorded = 0x5,      // replay: the recording holds no such call next
 };
 
 // One simulated switch.
@@ -77,9 +87,6 @@ struct State {
 // injection checks go through that table, so a new part adds one row.
 struct ModelPart {
     const char *name;
-    // The functions the part exports, ending with null; a scenario may
-    // inject into these only.
-    const char *const *functions;
     // The part's values of switch `index` of the default fleet.
     void (*setDefaults)(Device &device, size_t index);
     // One device key of a scenario or of the state file: 1 when it took
@@ -128,19 +135,15 @@ void ResetModel();
 void ResetLibParameters();
 
 // One library call: counts it, applies the scenario's latency and injected
-// status, decides whether the model runs, and traces it with its arguments
-// and request bytes when it ends.
+// status, and decides whether the model runs. Its trace line is written by
+// the exported function (WriteTrace), from its arguments as the interface
+// list describes them.
 class Call {
 public:
-    explicit Call(const char *function);
-    ~Call();
+    explicit Call(const char *function) : function_(function) {}
     Call(const Call &) = delete;
     Call &operator=(const Call &) = delete;
 
-    Call &Arg(const char *name, uint64_t value);     // decimal
-    Call &HexArg(const char *name, uint64_t value);  // 0x...
-    Call &Text(const char *name, const char *text);
-    Call &Bytes(const char *name, const void *bytes, size_t count);
     // The device argument; the model acts on the switch whose handle it holds.
     Call &Dev(PTR_ZENTREL_DEVICE device);
 
@@ -149,22 +152,31 @@ public:
     // argument, if any, names a simulated switch. Holds the model's lock
     // from here until the call ends.
     bool Proceed(bool needsInit = true);
-    State &Model() { return *state_; }
+    State &Model();
     Device &Target() { return *target_; }
     ZENTREL_STATUS Return(ZENTREL_STATUS status);
     ZENTREL_STATUS Result() const { return status_; }
 
 private:
     const char *function_;
-    std::string args_;
     bool hasDevice_ = false;
     uint32_t handle_ = 0;
     bool nullDevice_ = false;
-    State *state_;
     Device *target_ = nullptr;
     std::unique_lock<std::mutex> lock_;
     ZENTREL_STATUS status_ = 0;
 };
+
+// The trace (ZENTREL_SIM_TRACE): one call's arguments as the library saw
+// them when called, and then its line with the status it returned.
+std::string TraceArguments(const zrec::Arg *args, size_t count);
+void WriteTrace(const char *function, const std::string &arguments, ZENTREL_STATUS status);
+bool Tracing();
+
+// Replay of a recording (ZENTREL_SIM_REPLAY): whether one is named, and
+// one call answered from it instead of the model.
+bool Replaying();
+ZENTREL_STATUS Replay(const char *function, zrec::Arg *args, size_t count);
 
 // Files the library reads or writes for its caller, by the name it was given.
 // ReadFileBytes: false when the file is not a readable regular file or is

@@ -6,19 +6,6 @@
 
 namespace sim {
 
-const char *const kStatusFunctions[] = {
-    "ZentrelSwitchGetCcrStatus",
-    "ZentrelSwitchGetPowerOnSense",
-    "ZentrelSwitchGetSysErrStatus",
-    "ZentrelSwitchGetGPIOSpareState",
-    "ZentrelSwitchHandleGpioCtrlCmd",
-    "ZentrelSwitchSetHealthConfig",
-    "ZentrelSwitchGetHealthConfig",
-    "ZentrelSwitchSetTagSBTimeout",
-    "ZentrelSwitchGetTagSBTimeout",
-    nullptr,
-};
-
 namespace {
 
 // A GPIO pin's defaults: the pins not listed are low inputs on port 0
@@ -295,27 +282,27 @@ void PowerCycleStatus(Device &device) {
 }  // namespace
 
 extern const ModelPart kStatusPart = {
-    "status", kStatusFunctions, SetStatusDefaults, ApplyStatusKey, SaveStatus, PowerCycleStatus, nullptr, nullptr,
+    "status", SetStatusDefaults, ApplyStatusKey, SaveStatus, PowerCycleStatus, nullptr, nullptr,
 };
 
 }  // namespace sim
 
 using sim::Call;
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetCcrStatus(PTR_ZENTREL_DEVICE Device, PTR_ZENTREL_SWITCH_CCR_STATUS Status) {
+ZENTREL_STATUS simlib::ZentrelSwitchGetCcrStatus(PTR_ZENTREL_DEVICE Device, PTR_ZENTREL_SWITCH_CCR_STATUS Status) {
     return sim::ReadFromDevice(__func__, Device, Status, [](const sim::Device &d) { return d.status.ccr; });
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetPowerOnSense(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchGetPowerOnSense(PTR_ZENTREL_DEVICE Device,
                                                         PTR_ZENTREL_SWITCH_POWER_ON_SENSE Sense) {
     return sim::ReadFromDevice(__func__, Device, Sense, [](const sim::Device &d) { return d.status.powerOnSense; });
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetSysErrStatus(PTR_ZENTREL_DEVICE Device, uint32_t *SysErrStatus) {
+ZENTREL_STATUS simlib::ZentrelSwitchGetSysErrStatus(PTR_ZENTREL_DEVICE Device, uint32_t *SysErrStatus) {
     return sim::ReadFromDevice(__func__, Device, SysErrStatus, [](const sim::Device &d) { return d.status.sysErrStatus; });
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetGPIOSpareState(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchGetGPIOSpareState(PTR_ZENTREL_DEVICE Device,
                                                           PTR_ZENTREL_SWITCH_GPIO_SPARE_STATE State) {
     Call call(__func__);
     call.Dev(Device);
@@ -331,11 +318,11 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetGPIOSpareState(PTR_ZENTREL_DEVICE Dev
 // Setting a level makes the pin an output. A port beyond the switch's last
 // one, a pin beyond 63, an unknown opcode or a non-zero reserved byte is
 // refused.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchHandleGpioCtrlCmd(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchHandleGpioCtrlCmd(PTR_ZENTREL_DEVICE Device,
                                                           PTR_ZENTREL_SWITCH_GPIO_CTRL_REQ Request,
                                                           PTR_ZENTREL_SWITCH_GPIO_CTRL_RESP Response) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, sizeof *Request);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if (Request == nullptr || Response == nullptr || Request->Opcode > ZENTREL_GPIO_OPCODE_LAST ||
         Request->Pin >= sim::kGpioPinCount || !sim::AllZero(Request->Reserved3, sizeof Request->Reserved3))
@@ -376,10 +363,10 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchHandleGpioCtrlCmd(PTR_ZENTREL_DEVICE Dev
 
 // Update option 1 changes the runtime copy, 2 the configuration page, 3
 // both; 0 changes neither and is accepted.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchSetHealthConfig(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchSetHealthConfig(PTR_ZENTREL_DEVICE Device,
                                                         PTR_ZENTREL_SWITCH_SET_HEALTH_CONFIG_REQ Request) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, sizeof *Request);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if (Request == nullptr || (Request->UpdateOption & ~ZENTREL_HEALTH_UPDATE_MASK) != 0)
         return call.Return(sim::kStatusInvalidParameter);
@@ -405,11 +392,11 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchSetHealthConfig(PTR_ZENTREL_DEVICE Devic
 }
 
 // Answers from the runtime copy.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetHealthConfig(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchGetHealthConfig(PTR_ZENTREL_DEVICE Device,
                                                         PTR_ZENTREL_SWITCH_GET_HEALTH_CONFIG_REQ Request,
                                                         PTR_ZENTREL_SWITCH_GET_HEALTH_CONFIG_RESP Response) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, sizeof *Request);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if (Request == nullptr || Response == nullptr) return call.Return(sim::kStatusInvalidParameter);
     const sim::HealthSettings &runtime = call.Target().status.healthRuntime;
@@ -427,10 +414,10 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetHealthConfig(PTR_ZENTREL_DEVICE Devic
 
 // A time-out of 0 ms takes the station's own time-out away, so that the
 // device-wide one applies to it again.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchSetTagSBTimeout(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchSetTagSBTimeout(PTR_ZENTREL_DEVICE Device,
                                                         PTR_ZENTREL_SWITCH_SET_TAG_SB_TIMEOUT_REQ Request) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, sizeof *Request);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if (Request == nullptr || Request->Station >= sim::kStationCount || Request->UpdateMode > ZENTREL_TAG_SB_UPDATE_BOTH)
         return call.Return(sim::kStatusInvalidParameter);
@@ -442,12 +429,12 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchSetTagSBTimeout(PTR_ZENTREL_DEVICE Devic
 }
 
 // The query mode comes twice, in the request and as an argument; they must agree.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetTagSBTimeout(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchGetTagSBTimeout(PTR_ZENTREL_DEVICE Device,
                                                         PTR_ZENTREL_SWITCH_GET_TAG_SB_TIMEOUT_REQ Request,
                                                         PTR_ZENTREL_SWITCH_GET_TAG_SB_TIMEOUT_RESP Response,
                                                         uint32_t QueryMode) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, sizeof *Request).Arg("queryMode", QueryMode);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if (Request == nullptr || Response == nullptr || Request->Station >= sim::kStationCount ||
         QueryMode > ZENTREL_TAG_SB_QUERY_FLASH || Request->QueryMode != QueryMode)

@@ -10,23 +10,6 @@
 
 namespace sim {
 
-const char *const kTopologyFunctions[] = {
-    "ZentrelSwitchGetPortAttr",
-    "ZentrelSwitchGetDSAllDeviceInfo",
-    "ZentrelSwitchPortDsVDspBind",
-    "ZentrelSwitchPortDsVDspUnbind",
-    "ZentrelSwitchGetHostPortVDSPInfo",
-    "ZentrelSwitchReadPortCSR",
-    "ZentrelSwitchWritePortCSR",
-    "ZentrelSwitchControlPortEnbl",
-    "ZentrelSwitchControlPortDsbl",
-    "ZentrelSwitchGetPciCapabilities",
-    "ZentrelSwitchGetProperties",
-    "ZentrelSwitchSetMpiMgmtPage",
-    "ZentrelSwitchGetMpiMgmtPage",
-    nullptr,
-};
-
 namespace {
 
 constexpr uint32_t kLastPort = ZENTREL_PORT_COUNT - 1;
@@ -593,7 +576,7 @@ bool CsrAccessValid(const Device &d, const ZENTREL_SWITCH_PORT_CSR_ACCESS &a) {
 
 ZENTREL_STATUS PortControl(const char *function, PTR_ZENTREL_DEVICE device, uint32_t port, bool enable) {
     Call call(function);
-    call.Dev(device).Arg("port", port);
+    call.Dev(device);
     if (!call.Proceed()) return call.Result();
     Device &d = call.Target();
     if (!IsPort(d, port)) return call.Return(kStatusInvalidParameter);
@@ -607,7 +590,7 @@ ZENTREL_STATUS PortControl(const char *function, PTR_ZENTREL_DEVICE device, uint
 }  // namespace
 
 extern const ModelPart kTopologyPart = {
-    "topology", kTopologyFunctions, SetTopologyDefaults, ApplyTopologyKey, SaveTopology, PowerCycleTopology,
+    "topology", SetTopologyDefaults, ApplyTopologyKey, SaveTopology, PowerCycleTopology,
     nullptr, nullptr,
 };
 
@@ -615,11 +598,11 @@ extern const ModelPart kTopologyPart = {
 
 using sim::Call;
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetPortAttr(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchGetPortAttr(PTR_ZENTREL_DEVICE Device,
                                                     PTR_ZENTREL_SWITCH_GET_PORT_ATTR_REQ Request,
                                                     PTR_ZENTREL_SWITCH_GET_PORT_ATTR_RESP Response) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, Request != nullptr ? sizeof *Request : 0);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if (Request == nullptr || Response == nullptr || Request->NumPorts == 0)
         return call.Return(sim::kStatusInvalidParameter);
@@ -648,10 +631,10 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetPortAttr(PTR_ZENTREL_DEVICE Device,
 
 // The caller sizes the list from the counts it was given (the length the
 // header defines, cut to 16 bits); no more than that is written.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetDSAllDeviceInfo(PTR_ZENTREL_DEVICE Device, uint32_t Selector,
+ZENTREL_STATUS simlib::ZentrelSwitchGetDSAllDeviceInfo(PTR_ZENTREL_DEVICE Device, uint32_t Selector,
                                                            void *Buffer) {
     Call call(__func__);
-    call.Dev(Device).HexArg("selector", Selector);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     if (Buffer == nullptr) return call.Return(sim::kStatusInvalidParameter);
     const sim::Device &d = call.Target();
@@ -670,10 +653,10 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetDSAllDeviceInfo(PTR_ZENTREL_DEVICE De
 
 // Binds a downstream port of this switch to a host port's vDSP, at runtime
 // (moving it from a vDSP it was bound to), in the configuration page, or both.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchPortDsVDspBind(PTR_ZENTREL_DEVICE Device, uint32_t DsPort, uint32_t HostPort,
+ZENTREL_STATUS simlib::ZentrelSwitchPortDsVDspBind(PTR_ZENTREL_DEVICE Device, uint32_t DsPort, uint32_t HostPort,
                                                        uint32_t AssignRule, uint16_t VdspId) {
     Call call(__func__);
-    call.Dev(Device).HexArg("dsPort", DsPort).HexArg("hostPort", HostPort).Arg("rule", AssignRule).Arg("vdsp", VdspId);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     sim::Device &d = call.Target();
     uint32_t ds = ZENTREL_DESCRIPTOR_PORT(DsPort), host = ZENTREL_DESCRIPTOR_PORT(HostPort);
@@ -693,10 +676,10 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchPortDsVDspBind(PTR_ZENTREL_DEVICE Device
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchPortDsVDspUnbind(PTR_ZENTREL_DEVICE Device, uint32_t HostPort,
+ZENTREL_STATUS simlib::ZentrelSwitchPortDsVDspUnbind(PTR_ZENTREL_DEVICE Device, uint32_t HostPort,
                                                          uint32_t AssignRule, uint16_t VdspId) {
     Call call(__func__);
-    call.Dev(Device).HexArg("hostPort", HostPort).Arg("rule", AssignRule).Arg("vdsp", VdspId);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     sim::Device &d = call.Target();
     uint32_t host = ZENTREL_DESCRIPTOR_PORT(HostPort);
@@ -710,10 +693,10 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchPortDsVDspUnbind(PTR_ZENTREL_DEVICE Devi
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetHostPortVDSPInfo(PTR_ZENTREL_DEVICE Device, uint32_t HostPort,
+ZENTREL_STATUS simlib::ZentrelSwitchGetHostPortVDSPInfo(PTR_ZENTREL_DEVICE Device, uint32_t HostPort,
                                                             PTR_ZENTREL_SWITCH_HOST_PORT_VDSP_INFO Info) {
     Call call(__func__);
-    call.Dev(Device).HexArg("hostPort", HostPort);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     const sim::Device &d = call.Target();
     uint32_t host = ZENTREL_DESCRIPTOR_PORT(HostPort);
@@ -733,10 +716,10 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetHostPortVDSPInfo(PTR_ZENTREL_DEVICE D
 
 // Reads DataLength bytes of a capability's registers into the data area
 // (which the caller makes that long).
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchReadPortCSR(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchReadPortCSR(PTR_ZENTREL_DEVICE Device,
                                                     PTR_ZENTREL_SWITCH_PORT_CSR_ACCESS Access) {
     Call call(__func__);
-    call.Dev(Device).Bytes("access", Access, Access != nullptr ? sizeof *Access : 0);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     const sim::Device &d = call.Target();
     if (Access == nullptr || !sim::CsrAccessValid(d, *Access)) return call.Return(sim::kStatusInvalidParameter);
@@ -747,10 +730,10 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchReadPortCSR(PTR_ZENTREL_DEVICE Device,
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchWritePortCSR(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchWritePortCSR(PTR_ZENTREL_DEVICE Device,
                                                      PTR_ZENTREL_SWITCH_PORT_CSR_ACCESS Access) {
     Call call(__func__);
-    call.Dev(Device).Bytes("access", Access, Access != nullptr ? sizeof *Access : 0);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     sim::Device &d = call.Target();
     if (Access == nullptr || !sim::CsrAccessValid(d, *Access)) return call.Return(sim::kStatusInvalidParameter);
@@ -762,21 +745,21 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchWritePortCSR(PTR_ZENTREL_DEVICE Device,
 }
 
 // A disabled port's link is down until the port is enabled again.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchControlPortEnbl(PTR_ZENTREL_DEVICE Device, uint32_t Port) {
+ZENTREL_STATUS simlib::ZentrelSwitchControlPortEnbl(PTR_ZENTREL_DEVICE Device, uint32_t Port) {
     return sim::PortControl(__func__, Device, Port, true);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchControlPortDsbl(PTR_ZENTREL_DEVICE Device, uint32_t Port) {
+ZENTREL_STATUS simlib::ZentrelSwitchControlPortDsbl(PTR_ZENTREL_DEVICE Device, uint32_t Port) {
     return sim::PortControl(__func__, Device, Port, false);
 }
 
 // The flags are read from the capability registers, so register writes
 // show: hot-plug capable in the slot capabilities, MSI and MSI-X enables
 // in their message control, AER and virtual channel by their presence.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetPciCapabilities(PTR_ZENTREL_DEVICE Device, uint8_t Port,
+ZENTREL_STATUS simlib::ZentrelSwitchGetPciCapabilities(PTR_ZENTREL_DEVICE Device, uint8_t Port,
                                                            PTR_ZENTREL_SWITCH_PCI_CAPABILITIES Capabilities) {
     Call call(__func__);
-    call.Dev(Device).Arg("port", Port);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     const sim::Device &d = call.Target();
     if (Capabilities == nullptr || !sim::IsPort(d, Port)) return call.Return(sim::kStatusInvalidParameter);
@@ -789,7 +772,7 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetPciCapabilities(PTR_ZENTREL_DEVICE De
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetProperties(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchGetProperties(PTR_ZENTREL_DEVICE Device,
                                                       PTR_ZENTREL_SWITCH_GET_PROP_RESP Response) {
     return sim::ReadFromDevice(__func__, Device, Response,
                                [](const sim::Device &d) { return d.topology.properties; });
@@ -797,10 +780,10 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetProperties(PTR_ZENTREL_DEVICE Device,
 
 // Buffer 0's access flags of a host port, for the current session, future
 // sessions or both; the control setting cannot be set.
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchSetMpiMgmtPage(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchSetMpiMgmtPage(PTR_ZENTREL_DEVICE Device,
                                                        PTR_ZENTREL_SWITCH_SET_MPI_MGMT_PAGE_ACCESS_REQ Request) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, Request != nullptr ? sizeof *Request : 0);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     sim::Device &d = call.Target();
     if (Request == nullptr || !sim::IsHostPort(d, Request->HostPort)) return call.Return(sim::kStatusInvalidParameter);
@@ -815,11 +798,11 @@ ZENTREL_API ZENTREL_STATUS ZentrelSwitchSetMpiMgmtPage(PTR_ZENTREL_DEVICE Device
     return call.Return(ZENTREL_STATUS_SUCCESS);
 }
 
-ZENTREL_API ZENTREL_STATUS ZentrelSwitchGetMpiMgmtPage(PTR_ZENTREL_DEVICE Device,
+ZENTREL_STATUS simlib::ZentrelSwitchGetMpiMgmtPage(PTR_ZENTREL_DEVICE Device,
                                                        PTR_ZENTREL_SWITCH_GET_MPI_MGMT_PAGE_ACCESS_REQ Request,
                                                        PTR_ZENTREL_SWITCH_GET_MPI_MGMT_PAGE_ACCESS_RESP Response) {
     Call call(__func__);
-    call.Dev(Device).Bytes("request", Request, Request != nullptr ? sizeof *Request : 0);
+    call.Dev(Device);
     if (!call.Proceed()) return call.Result();
     const sim::Device &d = call.Target();
     if (Request == nullptr || Response == nullptr || !sim::IsHostPort(d, Request->HostPort) ||
