@@ -88,39 +88,31 @@ class CaseError(Exception):
 SLEEP_CALLS = {"35", "230"}  # nanosleep, clock_nanosleep
 
 
-def is_sleeping(pid):
-    """True when any thread of the process sleeps (the parallel test's
-    threads sleep while the main thread waits to join them)."""
+def thread_files(pid, name):
+    """The content of /proc/PID/task/*/NAME for each thread still there."""
     try:
         tasks = os.listdir(f"/proc/{pid}/task")
     except OSError:
-        return False
+        return
     for task in tasks:
         try:
-            with open(f"/proc/{pid}/task/{task}/syscall") as f:
-                if f.read().split(" ", 1)[0] in SLEEP_CALLS:
-                    return True
+            with open(f"/proc/{pid}/task/{task}/{name}") as f:
+                yield f.read()
         except OSError:
             pass
-    return False
+
+
+def is_sleeping(pid):
+    """True when any thread of the process sleeps (the parallel test's
+    threads sleep while the main thread waits to join them)."""
+    return any(text.split(" ", 1)[0] in SLEEP_CALLS for text in thread_files(pid, "syscall"))
 
 
 def is_blocked(pid):
     """True when every thread of the process waits (at a read, a lock, a
     join): what it was going to do after its last output is done."""
-    try:
-        tasks = os.listdir(f"/proc/{pid}/task")
-    except OSError:
-        return True
-    for task in tasks:
-        try:
-            with open(f"/proc/{pid}/task/{task}/stat") as f:
-                state = f.read().rsplit(")", 1)[1].split()[0]
-        except (OSError, IndexError):
-            continue
-        if state not in ("S", "D"):
-            return False
-    return True
+    # The state follows the command name, which may hold blanks and ")".
+    return all(text.rsplit(")", 1)[-1].split()[:1] in (["S"], ["D"]) for text in thread_files(pid, "stat"))
 
 
 def unescape_line(line, where):
