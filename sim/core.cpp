@@ -259,6 +259,16 @@ std::string TraceArguments(const zrec::Arg *args, size_t count) {
                 value = "null";
                 break;
             }
+            // A record holding pointers is laid out differently on the
+            // 32-bit controller and on a 64-bit machine: the trace shows
+            // what its pointers point at (record.Field=...), not its bytes,
+            // so that a trace reads the same on both.
+            bool holdsPointers = false;
+            for (size_t j = 0; j < count; ++j) holdsPointers = holdsPointers || args[j].parent == a.bytes;
+            if (holdsPointers) {
+                value = "{...}";
+                break;
+            }
             std::vector<uint8_t> bytes = zrec::MaskedBytes(a, args, count);
             std::string hex;
             zrec::AppendHex(hex, bytes.data(), bytes.size() < kTracedBufferBytes ? bytes.size() : kTracedBufferBytes);
