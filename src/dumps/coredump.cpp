@@ -1,7 +1,6 @@
 // Core dump capture, information, section upload and erase.
 #include <cstdio>
 #include <cstring>
-#include <mutex>
 
 #include "dumps.h"
 #include "frontend/helpers.h"
@@ -17,7 +16,7 @@ constexpr char kCollected[] = "Coredump data collected..";
 
 // Serialises naming, creating and writing the capture files, and releasing
 // the capture buffer, between threads capturing at once.
-std::mutex gCoreDumpFileMutex;
+pthread_mutex_t gCoreDumpFileMutex = PTHREAD_MUTEX_INITIALIZER;
 
 void PrintCaptureUsage() {
     printf("Usage: zentrelLibTest -i 0 -getcoredump [<coredumptype>]\n");
@@ -83,7 +82,7 @@ uint32_t CaptureCoreDump(PTR_ZENTREL_DEVICE device, const char *const *words, PT
         return 1;
     }
     printf("Valid Coredump data collected\n");
-    std::lock_guard<std::mutex> guard(gCoreDumpFileMutex);
+    MutexGuard guard(&gCoreDumpFileMutex);
     // Any other type leaves the name empty, which no file can have.
     char name[dumps::kFileNameSize] = {};
     if (type == ZENTREL_COREDUMP_RAW)

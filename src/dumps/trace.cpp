@@ -1,6 +1,5 @@
 // The firmware's trace buffer, raw and decoded, saved into files.
 #include <cstdio>
-#include <mutex>
 
 #include "dumps.h"
 #include "frontend/helpers.h"
@@ -15,7 +14,7 @@ constexpr char kCollected[] = "Trace buffer data collected..";
 // and releasing its buffer, between threads reading the trace at once. It
 // is taken only where the numbered file is written, so it is released only
 // by the thread holding it.
-std::mutex gDecodedTraceFileMutex;
+pthread_mutex_t gDecodedTraceFileMutex = PTHREAD_MUTEX_INITIALIZER;
 
 // Reads the trace in two calls, the size first, and saves what was read.
 // A complete decoded trace goes to a file numbered by `variable`
@@ -47,7 +46,7 @@ uint32_t ReadTrace(PTR_ZENTREL_DEVICE device, TraceRead read, const char *fixedN
         if (!numbered) {
             dumps::SaveToFile(fixedName, buffer, count, kCollected);
         } else {
-            std::lock_guard<std::mutex> guard(gDecodedTraceFileMutex);
+            MutexGuard guard(&gDecodedTraceFileMutex);
             char name[dumps::kFileNameSize];
             snprintf(name, sizeof name, "tracedecodedbuffer_%x.txt", dumps::AddressNumber(variable));
             dumps::SaveToFile(name, buffer, count, kCollected);

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
+#include <pthread.h>
 
 // Each parser always stores the converted value, and returns 0 when the
 // whole text was consumed, otherwise 1 after printing its message.
@@ -47,5 +48,18 @@ bool WantsUsageOrMissing(const char *const *words);
 const char *WordAt(const char *const *words, size_t index);
 // A text for "%s": what the C library prints for an absent text.
 const char *Shown(const char *text);
+
+// Holds a mutex for a scope. A POSIX mutex rather than std::mutex, whose
+// error path would tie the utility to the C++ library at run time.
+class MutexGuard {
+public:
+    explicit MutexGuard(pthread_mutex_t *mutex) : mutex_(mutex) { pthread_mutex_lock(mutex_); }
+    ~MutexGuard() { pthread_mutex_unlock(mutex_); }
+    MutexGuard(const MutexGuard &) = delete;
+    MutexGuard &operator=(const MutexGuard &) = delete;
+
+private:
+    pthread_mutex_t *mutex_;
+};
 
 #endif
