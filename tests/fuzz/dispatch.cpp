@@ -1,9 +1,9 @@
 // The one-shot dispatcher with arbitrary word lists (one word a line) against
 // the simulator, standard input empty.
 //
-// Left out: -prbs with a number above 10000 in its words. Its checker polls
-// as many times as the counter asks, a poll every 100 ms: a long test the
-// user asked for, not a hang.
+// Left out: the polling commands (-prbs, -ltssm, -ltssmtrace) with a number
+// above 10000 in their words. They poll as many times as the count asks: a
+// long test the user asked for, not a hang.
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -13,20 +13,20 @@
 
 namespace {
 
-bool LongPrbsCheck(const std::vector<std::string> &words) {
-    bool prbs = false, large = false;
+bool LongPoll(const std::vector<std::string> &words) {
+    bool polls = false, large = false;
     for (const std::string &word : words) {
-        if (word == "-prbs") prbs = true;
+        if (word == "-prbs" || word == "-ltssm" || word == "-ltssmtrace") polls = true;
         if (strtoll(word.c_str(), nullptr, 0) > 10000) large = true;
     }
-    return prbs && large;
+    return polls && large;
 }
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     std::vector<std::string> words = fuzz::Words(data, size);
-    if (LongPrbsCheck(words)) return -1;
+    if (LongPoll(words)) return -1;
     std::vector<char *> argv = fuzz::Argv(words);
     fuzz::Begin(nullptr, 0);
     uint32_t position = 0;

@@ -5,9 +5,10 @@
 // menu 94 (the parallel test: after a failed read of its firmware file it
 // keeps a lock for good, so its other threads wait for ever), and menu 30
 // (port performance, which ends the process with abort() when asked for a
-// single port's counters, as the tool has always done). And menu 35 (PRBS)
-// with an answer above 10000: its checker polls as many times as the
-// counter asks, a long test the user asked for, not a hang.
+// single port's counters, as the tool has always done). And the polling
+// options (29 and 31, LTSSM sampling and trace; 35, PRBS) with an answer
+// above 10000: they poll as many times as the count asks, a long test the
+// user asked for, not a hang.
 #include <cctype>
 #include <climits>
 #include <cstdint>
@@ -22,7 +23,7 @@ namespace {
 // Whether some answer of the input reads as one of the left-out options:
 // each word, cut as a prompt cuts it, taken as a decimal answer.
 bool ChoosesLeftOut(const uint8_t *data, size_t size) {
-    bool prbs = false, large = false;
+    bool polls = false, large = false;
     size_t i = 0;
     while (i < size) {
         while (i < size && isspace(data[i])) ++i;
@@ -36,10 +37,10 @@ bool ChoosesLeftOut(const uint8_t *data, size_t size) {
         if (v < INT32_MIN) v = INT32_MIN;
         uint32_t choice = static_cast<uint32_t>(static_cast<int32_t>(v));
         if (choice == 94 || choice == 30) return true;
-        if (choice == 35) prbs = true;
+        if (choice == 29 || choice == 31 || choice == 35) polls = true;
         if (v > 10000) large = true;
     }
-    return prbs && large;
+    return polls && large;
 }
 
 }  // namespace
