@@ -33,6 +33,11 @@ std::once_flag gOpened;
 void *gLibrary = nullptr;
 ZENTREL_SWITCH_MFG_INFO *gRealMfgInfo = nullptr;
 std::mutex gFileMutex;
+// Held for the whole of each call: the library's data object is written by
+// its calls, so it can only be read whole, and a change to it put down to
+// the call that made it, when no other call runs meanwhile. Threads (menu
+// 94) therefore reach the library one at a time while a run is recorded.
+std::mutex gCallMutex;
 FILE *gFile = nullptr;
 
 void Open() {
@@ -196,6 +201,7 @@ public:
     }
 
 private:
+    std::lock_guard<std::mutex> serial_{gCallMutex};  // first: before anything is read
     Arg *args_;
     size_t count_;
     std::string line_;

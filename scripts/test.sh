@@ -51,7 +51,8 @@ want sanitize && run build-sanitize -DCMAKE_BUILD_TYPE=Debug -DZENTREL_SANITIZE=
 want arm && run "${arm[@]}"
 if want tsan; then
   build build-tsan -DCMAKE_BUILD_TYPE=RelWithDebInfo -DZENTREL_TSAN=ON
-  TSAN_OPTIONS="halt_on_error=1 suppressions=$PWD/tests/tsan.supp" ctest --test-dir build-tsan --output-on-failure -j"$jobs"
+  TSAN_OPTIONS="halt_on_error=1 suppressions=$PWD/tests/tsan.supp" ZENTREL_E2E_DEFERRED_SIGNALS=1 \
+    ctest --test-dir build-tsan --output-on-failure -j"$jobs"
 fi
 if want valgrind; then
   # Every fourth case (a quarter of them, from every case file) keeps the

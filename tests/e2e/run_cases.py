@@ -14,6 +14,9 @@ header lines follow, then sections that begin with "--- <section>":
     timeout: 20                 seconds (default 10, times the launcher factor)
     emulated: skip, REASON      not run under an emulator (--launcher), for
                                 the reason given
+With ZENTREL_E2E_DEFERRED_SIGNALS set (the ThreadSanitizer run), cases that
+send a signal "when" a text appears are skipped: the sanitizer defers a
+handler until the C library returns to the program.
     input: fw.bin=fw_valid.bin  copy sample images (--samples) into the working
                                 directory first, under the names given
     same: usd_ul.bin usd_dl.bin two files the run leaves, equal byte for byte
@@ -411,6 +414,13 @@ def run_once(h, args, words, cwd, env, stdin, out, err, where):
             time.sleep(0.01)
         if proc.poll() is None:
             proc.send_signal(signal.SIGINT if m.group(1) == "INT" else signal.SIGQUIT)
+            # Standard input stays open until the signal has been handled:
+            # a handler run late (ThreadSanitizer runs them at its next
+            # chance) must not find the prompt already answered by its end.
+            try:
+                proc.wait(max(0.1, min(5.0, deadline - time.monotonic())))
+            except subprocess.TimeoutExpired:
+                pass
     if proc.stdin is not None:
         try:
             proc.stdin.close()
@@ -615,6 +625,12 @@ def main():
                 picked.update(j for j in range(i) if cases[j]["headers"].get("state") == state)
         for case in (cases[i] for i in sorted(picked)):
             where = f"{os.path.basename(path)}:{case['line']} '{case['name']}'"
+            if os.environ.get("ZENTREL_E2E_DEFERRED_SIGNALS") and "when" in case["headers"].get("signal", ""):
+                # ThreadSanitizer runs a handler only when the C library
+                # returns to the program, not while stdio waits in a read:
+                # a signal at a prompt is handled after the prompt's answer.
+                print(f"skip {where} (signals are deferred under ThreadSanitizer)")
+                continue
             if args.launcher and case["headers"].get("emulated", "").startswith("skip"):
                 print(f"skip {where} (under the emulator: {case['headers']['emulated']})")
                 continue
