@@ -109,8 +109,28 @@ void Fresh() {
     gSelectedDeviceIndex = 0;
 }
 
+// Some commands leave their file open, as the tool has always done (the
+// process ends soon after); here the process runs on, so what an input left
+// open in the scratch directory is closed as its process would have been.
+static void CloseStrayFiles() {
+    DIR *fds = opendir("/proc/self/fd");
+    if (fds == nullptr) return;
+    std::vector<int> stray;
+    while (dirent *entry = readdir(fds)) {
+        char link[64], target[4096];
+        snprintf(link, sizeof link, "/proc/self/fd/%s", entry->d_name);
+        ssize_t n = readlink(link, target, sizeof target - 1);
+        if (n <= 0) continue;
+        target[n] = '\0';
+        if (strncmp(target, gScratch.c_str(), gScratch.size()) == 0) stray.push_back(atoi(entry->d_name));
+    }
+    closedir(fds);
+    for (int fd : stray) close(fd);
+}
+
 void End() {
     if (gLibrary) ZentrelExit();
+    CloseStrayFiles();
     tFastWaits = false;
     fclose(stdin);
     stdin = nullptr;
