@@ -13,13 +13,16 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
 # The database holds the unit tests and GoogleTest as well, and some sources
-# twice: keep each file of src/ and sim/ once.
+# twice: keep each file of src/ and sim/ once. sim/exports.cpp is left out:
+# it is nothing but the library's functions generated from
+# include/zentrel_interface.def, whose argument-list macros cppcheck cannot
+# expand (unknownMacro); the compiler checks it with every warning on.
 python3 - "$build/compile_commands.json" "$work/compile_commands.json" "$PWD" <<'PY'
 import json, sys
 entries, root, seen, kept = json.load(open(sys.argv[1])), sys.argv[3] + "/", set(), []
 for e in entries:
     name = e["file"]
-    if name.startswith((root + "src/", root + "sim/")) and name not in seen:
+    if name.startswith((root + "src/", root + "sim/")) and name != root + "sim/exports.cpp" and name not in seen:
         seen.add(name)
         kept.append(e)
 json.dump(kept, open(sys.argv[2], "w"), indent=1)
