@@ -57,7 +57,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     }
 
     fuzz::Begin(data, size, false);
-    char word[16];
+    char word[16] = {};  // checked after every turn, read or not
     for (unsigned turn = 0; !InputEnded(); ++turn) {
         uint32_t u32 = 0;
         uint64_t u64 = 0;
