@@ -8,6 +8,8 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
+#include <type_traits>
 
 #include "zentrel.h"
 
@@ -25,6 +27,88 @@ enum class Kind : uint8_t {
     DirOut,    // a directory the library writes files into
 };
 
+// A record's bytes as recordings and traces hold them: the layout of the
+// 32-bit controller, whatever machine runs the library. A record that holds
+// pointers is laid out differently on a 64-bit machine (wider pointers, and
+// padding before them and at its end); each of its pointers is held as four
+// bytes, 01 00 00 00 when set and zeros when null, and the bytes it points
+// at are an argument of their own. Other records and buffers are held as
+// they are in memory.
+constexpr size_t kPortablePointerBytes = 4;
+
+// A run of a record: bytes copied as they are, or one pointer.
+struct Segment {
+    size_t offset;  // in the record in memory
+    size_t size;    // in memory
+    bool pointer;
+};
+
+// The runs of a record, in order. Without pointers: the whole record.
+template <typename Record>
+struct Portable {
+    static constexpr Segment segments[] = {{0, sizeof(Record), false}};
+};
+
+// The fields from First to Last, copied; one pointer field.
+#define ZI_FIELDS(Record, First, Last) \
+    zrec::Segment { offsetof(Record, First), offsetof(Record, Last) + sizeof(Record::Last) - offsetof(Record, First), false }
+#define ZI_POINTER(Record, Field) \
+    zrec::Segment { offsetof(Record, Field), sizeof(Record::Field), true }
+
+template <>
+struct Portable<ZENTREL_LIB_PARAMETERS> {
+    static constexpr Segment segments[] = {ZI_FIELDS(ZENTREL_LIB_PARAMETERS, DebugLogLevelAll, DebugLogOverwrite),
+                                           ZI_POINTER(ZENTREL_LIB_PARAMETERS, DebugLogFilePath),
+                                           ZI_FIELDS(ZENTREL_LIB_PARAMETERS, Reserved24, Reserved24)};
+};
+template <>
+struct Portable<ZENTREL_SWITCH_PLDM_DOWNLOAD_REQ> {
+    static constexpr Segment segments[] = {ZI_FIELDS(ZENTREL_SWITCH_PLDM_DOWNLOAD_REQ, Reserved0, Reserved8),
+                                           ZI_POINTER(ZENTREL_SWITCH_PLDM_DOWNLOAD_REQ, Image),
+                                           ZI_FIELDS(ZENTREL_SWITCH_PLDM_DOWNLOAD_REQ, ImageLength, ImageLength)};
+};
+template <>
+struct Portable<ZENTREL_SWITCH_SBR_MFG_CFG_REQ> {
+    static constexpr Segment segments[] = {ZI_FIELDS(ZENTREL_SWITCH_SBR_MFG_CFG_REQ, Operation, Reserved2),
+                                           ZI_POINTER(ZENTREL_SWITCH_SBR_MFG_CFG_REQ, SelectionMethod),
+                                           ZI_POINTER(ZENTREL_SWITCH_SBR_MFG_CFG_REQ, Selected),
+                                           ZI_POINTER(ZENTREL_SWITCH_SBR_MFG_CFG_REQ, Supported)};
+};
+template <>
+struct Portable<ZENTREL_SWITCH_DEBUG_TOKEN_REQ> {
+    static constexpr Segment segments[] = {ZI_FIELDS(ZENTREL_SWITCH_DEBUG_TOKEN_REQ, CtiLsb, FwCliAccess),
+                                           ZI_POINTER(ZENTREL_SWITCH_DEBUG_TOKEN_REQ, Signature),
+                                           ZI_FIELDS(ZENTREL_SWITCH_DEBUG_TOKEN_REQ, SignatureLength, SignatureLength)};
+};
+
+template <typename Record>
+constexpr size_t PortableSize() {
+    size_t size = 0;
+    for (const Segment &s : Portable<Record>::segments) size += s.pointer ? kPortablePointerBytes : s.size;
+    return size;
+}
+
+// The runs follow each other in memory, leave out only padding, and on the
+// controller sit where they are held: there the held bytes are the memory's.
+template <typename Record>
+constexpr bool PortableLayoutFits() {
+    size_t end = 0, held = 0;
+    for (const Segment &s : Portable<Record>::segments) {
+        if (s.offset < end || s.offset + s.size > sizeof(Record)) return false;
+        if (s.pointer && s.size != sizeof(void *)) return false;
+        if (sizeof(void *) == kPortablePointerBytes && s.offset != held) return false;
+        end = s.offset + s.size;
+        held += s.pointer ? kPortablePointerBytes : s.size;
+    }
+    return sizeof(void *) != kPortablePointerBytes || held == sizeof(Record);
+}
+static_assert(PortableLayoutFits<ZENTREL_LIB_PARAMETERS>() && PortableSize<ZENTREL_LIB_PARAMETERS>() == 280);
+static_assert(PortableLayoutFits<ZENTREL_SWITCH_PLDM_DOWNLOAD_REQ>() &&
+              PortableSize<ZENTREL_SWITCH_PLDM_DOWNLOAD_REQ>() == 20);
+static_assert(PortableLayoutFits<ZENTREL_SWITCH_SBR_MFG_CFG_REQ>() && PortableSize<ZENTREL_SWITCH_SBR_MFG_CFG_REQ>() == 16);
+static_assert(PortableLayoutFits<ZENTREL_SWITCH_DEBUG_TOKEN_REQ>() &&
+              PortableSize<ZENTREL_SWITCH_DEBUG_TOKEN_REQ>() == 104);
+
 // One argument of a call, or one thing a call reaches through one.
 struct Arg {
     Kind kind = Kind::Scalar;
@@ -34,11 +118,11 @@ struct Arg {
     bool present = true;         // false: a null pointer (or device)
     void *bytes = nullptr;       // In, Out, InOut, OutFilled; Text, FileOut, DirOut: the name
     size_t size = 0;             // of bytes; OutFilled: set after the call
-    // A pointer field of another argument's record: that record, and the
-    // field's offset in it. Recorded bytes of that record hold, instead of
-    // the pointer, 01 when it was set and 00 when it was null.
+    // A record: its runs (Portable<Record>); null for a buffer, held whole.
+    const Segment *segments = nullptr;
+    size_t segmentCount = 0;
+    // A pointer field of another argument's record: that record.
     const void *parent = nullptr;
-    size_t fieldOffset = 0;
     // OutFilled: counts the bytes after the call.
     size_t (*filled)(const Arg &) = nullptr;
     uint64_t context = 0;        // for filled
@@ -76,12 +160,22 @@ inline Arg TextArg(Kind kind, const char *name, const char *text) {
     return BytesArg(kind, name, text, 0);
 }
 
+// A record the library reads or fills.
+template <typename Record>
+Arg RecordArg(Kind kind, const char *name, Record *record) {
+    using Plain = std::remove_cv_t<Record>;
+    Arg a = BytesArg(kind, name, record, sizeof(Plain));
+    a.segments = Portable<Plain>::segments;
+    a.segmentCount = std::size(Portable<Plain>::segments);
+    return a;
+}
+
 template <typename Record, typename Field>
 Arg FieldArg(Kind kind, const char *name, Record *record, Field *const *field, size_t size) {
+    static_assert(std::size(Portable<std::remove_cv_t<Record>>::segments) > 1,
+                  "a record with pointer fields needs its runs in Portable<>");
     Arg a = BytesArg(kind, name, record == nullptr ? nullptr : *field, size);
     a.parent = record;
-    if (record != nullptr)
-        a.fieldOffset = static_cast<size_t>(reinterpret_cast<const char *>(field) - reinterpret_cast<const char *>(record));
     return a;
 }
 
@@ -107,7 +201,7 @@ size_t DsListFilled(const Arg &buffer);
 struct ParamInfo {
     Kind kind;
     const char *name;
-    size_t fixedSize;  // of In/Out/InOut records; 0: given by a length
+    size_t fixedSize;  // of In/Out/InOut records, as held; 0: given by a length
 };
 
 struct FunctionInfo {
@@ -192,9 +286,9 @@ const FunctionInfo *FindFunction(const char *name);
 #define ZI_ARG_DEV(type, name) , zrec::DeviceArg(#name, name)
 #define ZI_ARG_IN(type, name) , zrec::ScalarArg(#name, static_cast<uint64_t>(name))
 #define ZI_ARG_IN_HEX(type, name) , zrec::ScalarArg(#name, static_cast<uint64_t>(name), true)
-#define ZI_ARG_REQ(type, name) , zrec::BytesArg(zrec::Kind::In, #name, name, sizeof *name)
-#define ZI_ARG_OUT(type, name) , zrec::BytesArg(zrec::Kind::Out, #name, name, sizeof *name)
-#define ZI_ARG_INOUT(type, name) , zrec::BytesArg(zrec::Kind::InOut, #name, name, sizeof *name)
+#define ZI_ARG_REQ(type, name) , zrec::RecordArg(zrec::Kind::In, #name, name)
+#define ZI_ARG_OUT(type, name) , zrec::RecordArg(zrec::Kind::Out, #name, name)
+#define ZI_ARG_INOUT(type, name) , zrec::RecordArg(zrec::Kind::InOut, #name, name)
 #define ZI_ARG_BUF_IN(type, name, length) , zrec::BytesArg(zrec::Kind::In, #name, name, name == nullptr ? 0 : (length))
 #define ZI_ARG_BUF_OUT(type, name, length) \
     , zrec::BytesArg(zrec::Kind::Out, #name, name, name == nullptr ? 0 : (length))
@@ -219,9 +313,10 @@ const FunctionInfo *FindFunction(const char *name);
 #define ZI_INFO_DEV(type, name) , {zrec::Kind::Device, #name, 0}
 #define ZI_INFO_IN(type, name) , {zrec::Kind::Scalar, #name, 0}
 #define ZI_INFO_IN_HEX(type, name) , {zrec::Kind::Scalar, #name, 0}
-#define ZI_INFO_REQ(type, name) , {zrec::Kind::In, #name, sizeof *static_cast<type>(nullptr)}
-#define ZI_INFO_OUT(type, name) , {zrec::Kind::Out, #name, sizeof *static_cast<type>(nullptr)}
-#define ZI_INFO_INOUT(type, name) , {zrec::Kind::InOut, #name, sizeof *static_cast<type>(nullptr)}
+#define ZI_RECORD(type) std::remove_cv_t<std::remove_pointer_t<type>>
+#define ZI_INFO_REQ(type, name) , {zrec::Kind::In, #name, zrec::PortableSize<ZI_RECORD(type)>()}
+#define ZI_INFO_OUT(type, name) , {zrec::Kind::Out, #name, zrec::PortableSize<ZI_RECORD(type)>()}
+#define ZI_INFO_INOUT(type, name) , {zrec::Kind::InOut, #name, zrec::PortableSize<ZI_RECORD(type)>()}
 #define ZI_INFO_BUF_IN(type, name, length) , {zrec::Kind::In, #name, 0}
 #define ZI_INFO_BUF_OUT(type, name, length) , {zrec::Kind::Out, #name, 0}
 #define ZI_INFO_BUF_INOUT(type, name, length) , {zrec::Kind::InOut, #name, 0}

@@ -174,7 +174,7 @@ public:
             Arg &a = args_[i];
             if (!a.present || (a.kind != Kind::Out && a.kind != Kind::InOut && a.kind != Kind::OutFilled)) continue;
             if (a.kind == Kind::OutFilled) a.size = a.filled(a);
-            std::vector<uint8_t> bytes = MaskedBytes(a, args_, count_);
+            std::vector<uint8_t> bytes = HeldBytes(a);
             line_ += ' ';
             line_ += a.name;
             line_ += "=x";

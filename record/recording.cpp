@@ -1,6 +1,7 @@
 // The recording format, and the list of library functions as data.
 #include "recording.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -29,7 +30,7 @@ int HexValue(char c) {
 bool IsOutKind(Kind kind) { return kind == Kind::Out || kind == Kind::InOut || kind == Kind::OutFilled; }
 
 // The value an argument has in the call's text.
-std::string InValue(const Arg &arg, const Arg *args, size_t count) {
+std::string InValue(const Arg &arg) {
     switch (arg.kind) {
     case Kind::Device: {
         if (!arg.present) return "null";
@@ -42,7 +43,7 @@ std::string InValue(const Arg &arg, const Arg *args, size_t count) {
     case Kind::In:
     case Kind::InOut: {
         if (!arg.present) return "null";
-        std::vector<uint8_t> bytes = MaskedBytes(arg, args, count);
+        std::vector<uint8_t> bytes = HeldBytes(arg);
         std::string out = "x";
         AppendHex(out, bytes.data(), bytes.size());
         return out;
@@ -230,19 +231,44 @@ bool DecodeText(const std::string &quoted, std::string *text) {
     return true;
 }
 
-std::vector<uint8_t> MaskedBytes(const Arg &arg, const Arg *args, size_t count) {
+std::vector<uint8_t> HeldBytes(const Arg &arg) {
     const uint8_t *p = static_cast<const uint8_t *>(arg.bytes);
-    std::vector<uint8_t> bytes(p, p + arg.size);
-    for (size_t i = 0; i < count; ++i) {
-        const Arg &field = args[i];
-        if (field.parent == nullptr || field.parent != arg.bytes || field.fieldOffset + sizeof(void *) > bytes.size())
+    if (arg.segments == nullptr || p == nullptr) return std::vector<uint8_t>(p, p + arg.size);
+    std::vector<uint8_t> bytes;
+    for (size_t i = 0; i < arg.segmentCount; ++i) {
+        const Segment &s = arg.segments[i];
+        if (!s.pointer) {
+            bytes.insert(bytes.end(), p + s.offset, p + s.offset + s.size);
             continue;
+        }
         void *pointer = nullptr;
-        memcpy(&pointer, bytes.data() + field.fieldOffset, sizeof pointer);
-        memset(bytes.data() + field.fieldOffset, 0, sizeof pointer);
-        bytes[field.fieldOffset] = pointer != nullptr ? 1 : 0;
+        memcpy(&pointer, p + s.offset, sizeof pointer);
+        uint8_t marker[kPortablePointerBytes] = {static_cast<uint8_t>(pointer != nullptr ? 1 : 0)};
+        bytes.insert(bytes.end(), marker, marker + sizeof marker);
     }
     return bytes;
+}
+
+void StoreHeldBytes(Arg &arg, const std::vector<uint8_t> &bytes) {
+    uint8_t *p = static_cast<uint8_t *>(arg.bytes);
+    if (p == nullptr) return;
+    if (arg.segments == nullptr) {
+        size_t n = arg.kind == Kind::OutFilled || bytes.size() < arg.size ? bytes.size() : arg.size;
+        if (n > 0) memcpy(p, bytes.data(), n);
+        return;
+    }
+    size_t held = 0;
+    for (size_t i = 0; i < arg.segmentCount; ++i) {
+        const Segment &s = arg.segments[i];
+        size_t length = s.pointer ? kPortablePointerBytes : s.size;
+        if (held + length > bytes.size()) return;
+        if (!s.pointer) {
+            memcpy(p + s.offset, bytes.data() + held, s.size);
+        } else if (std::all_of(bytes.begin() + held, bytes.begin() + held + length, [](uint8_t b) { return b == 0; })) {
+            memset(p + s.offset, 0, s.size);  // the library left it null; a set one keeps the caller's pointer
+        }
+        held += length;
+    }
 }
 
 std::string EncodeCall(const char *function, const Arg *args, size_t count) {
@@ -252,7 +278,7 @@ std::string EncodeCall(const char *function, const Arg *args, size_t count) {
         if (i > 0) out += ' ';
         out += args[i].name;
         out += '=';
-        out += InValue(args[i], args, count);
+        out += InValue(args[i]);
     }
     return out + ')';
 }

@@ -25,9 +25,13 @@ std::string EncodeText(const char *text, size_t max = 4096);
 bool DecodeHex(const std::string &hex, std::vector<uint8_t> *bytes);
 bool DecodeText(const std::string &quoted, std::string *text);
 
-// The bytes an In, Out or InOut argument holds now, with the pointer fields
-// other arguments name replaced by 01 (set) or 00 (null).
-std::vector<uint8_t> MaskedBytes(const Arg &arg, const Arg *args, size_t count);
+// The bytes an In, Out or InOut argument holds now, as recordings and
+// traces hold them (a record in the controller's layout, see Portable).
+std::vector<uint8_t> HeldBytes(const Arg &arg);
+// Held bytes written back where the argument points: a record's fields, its
+// pointers kept as the caller set them or made null as held; a buffer's
+// bytes up to its size (all of them for one the library fills and counts).
+void StoreHeldBytes(Arg &arg, const std::vector<uint8_t> &bytes);
 
 // "Function(Name=value ...)": the call as the library sees it when called.
 std::string EncodeCall(const char *function, const Arg *args, size_t count);

@@ -228,7 +228,7 @@ bool Tracing() {
 }
 
 // Bytes in memory order, four to a group, so that u32 fields stand apart;
-// a buffer (not a record of fixed size) shows its first kTracedBufferBytes.
+// anything longer (most often a buffer) shows its first kTracedBufferBytes.
 std::string TraceArguments(const zrec::Arg *args, size_t count) {
     std::string out;
     for (size_t i = 0; i < count; ++i) {
@@ -259,17 +259,9 @@ std::string TraceArguments(const zrec::Arg *args, size_t count) {
                 value = "null";
                 break;
             }
-            // A record holding pointers is laid out differently on the
-            // 32-bit controller and on a 64-bit machine: the trace shows
-            // what its pointers point at (record.Field=...), not its bytes,
-            // so that a trace reads the same on both.
-            bool holdsPointers = false;
-            for (size_t j = 0; j < count; ++j) holdsPointers = holdsPointers || args[j].parent == a.bytes;
-            if (holdsPointers) {
-                value = "{...}";
-                break;
-            }
-            std::vector<uint8_t> bytes = zrec::MaskedBytes(a, args, count);
+            // A record as recordings hold it: the same on the 32-bit
+            // controller and on a 64-bit machine.
+            std::vector<uint8_t> bytes = zrec::HeldBytes(a);
             std::string hex;
             zrec::AppendHex(hex, bytes.data(), bytes.size() < kTracedBufferBytes ? bytes.size() : kTracedBufferBytes);
             value = "[";

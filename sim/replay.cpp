@@ -103,23 +103,11 @@ void Apply(const std::string &name, const std::vector<uint8_t> &bytes, zrec::Arg
             fprintf(stderr, "zentrel-sim: replay: cannot write %s\n", path.c_str());
         return;
     }
-    for (size_t i = 0; i < count; ++i) {
-        zrec::Arg &a = args[i];
-        if (name != a.name || !a.present) continue;
-        size_t n = bytes.size();
-        if (a.kind != zrec::Kind::OutFilled && n > a.size) n = a.size;
-        // Pointer fields keep the caller's pointers, or become null as recorded.
-        std::vector<std::pair<size_t, void *>> pointers;
-        for (size_t j = 0; j < count; ++j)
-            if (args[j].parent == a.bytes && args[j].fieldOffset + sizeof(void *) <= n) {
-                void *p = nullptr;
-                memcpy(&p, static_cast<uint8_t *>(a.bytes) + args[j].fieldOffset, sizeof p);
-                pointers.emplace_back(args[j].fieldOffset, bytes[args[j].fieldOffset] != 0 ? p : nullptr);
-            }
-        if (n > 0) memcpy(a.bytes, bytes.data(), n);
-        for (const auto &p : pointers) memcpy(static_cast<uint8_t *>(a.bytes) + p.first, &p.second, sizeof p.second);
-        return;
-    }
+    for (size_t i = 0; i < count; ++i)
+        if (name == args[i].name && args[i].present) {
+            zrec::StoreHeldBytes(args[i], bytes);
+            return;
+        }
 }
 
 }  // namespace
