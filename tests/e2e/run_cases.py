@@ -32,6 +32,9 @@ handler until the C library returns to the program.
     state: NAME                 ZENTREL_SIM_STATE names NAME in a directory that
                                 the cases of one file share, in order (so a run
                                 sees what the runs before it left)
+    replay: NAME                the simulator answers from the recording
+                                recordings/NAME (ZENTREL_SIM_REPLAY) instead
+                                of its model; no trace is written
     cwd: unwritable             no file can be created in the working directory
                                 (it is removed once the program runs in it,
                                 which stops root as well as anyone else)
@@ -225,7 +228,7 @@ def parse_cases(path):
             # Blank lines before the next case or section belong to nothing.
             while body and body[-1] == "":
                 body.pop()
-        known = {"args", "status", "signal", "timeout", "input", "same", "then", "stdin", "state", "cwd", "fifo",
+        known = {"args", "status", "signal", "timeout", "input", "same", "then", "stdin", "state", "cwd", "fifo", "replay",
                  "zeros", "emulated"}
         extra = set(case["headers"]) - known
         if extra:
@@ -270,6 +273,8 @@ def run_case(case, args, where, state_dir):
         with open(scenario, "w", encoding="utf-8") as f:
             f.write("\n".join(s["scenario"]) + "\n")
         env["ZENTREL_SIM_SCENARIO"] = scenario
+    if "replay" in h:
+        env["ZENTREL_SIM_REPLAY"] = os.path.join(HERE, "recordings", h["replay"])
     if args.library_path:
         env["LD_LIBRARY_PATH"] = args.library_path
     inputs = set()
