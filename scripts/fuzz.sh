@@ -3,6 +3,7 @@
 # each for a while, starting from its seed corpus; prints the executions and
 # the speed of every target, and fails when one of them finds a problem.
 #   scripts/fuzz.sh [seconds per target, default 600] [target ...]
+# FUZZ_RUNS=N also stops each target after N executions (whichever comes first).
 # The corpus grown by a run is kept in build-fuzz/corpus/<target> (the seeds
 # in tests/fuzz/corpus are only read); a finding is written to
 # build-fuzz/findings/<target>/ and its log to build-fuzz/logs/<target>.log.
@@ -37,6 +38,7 @@ for t in "${targets[@]}"; do
   # checked where each run is one process: the sanitizer and valgrind runs
   # of the end-to-end cases.
   case $t in menu | files) dict+=(-detect_leaks=0) ;; esac
+  [ -n "${FUZZ_RUNS:-}" ] && dict+=(-runs="$FUZZ_RUNS")
   result=ok
   build-fuzz/fuzz/fuzz_"$t" "${dict[@]}" -max_total_time="$seconds" -timeout=30 -print_final_stats=1 \
     -artifact_prefix="$findings/" "$corpus" "$root/tests/fuzz/corpus/$t" >"$log" 2>&1 || { result="FINDING (see $log)"; failed=1; }

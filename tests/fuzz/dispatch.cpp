@@ -1,7 +1,7 @@
 // The one-shot dispatcher with arbitrary word lists (one word a line) against
 // the simulator, standard input empty.
 //
-// Left out: the polling commands (-prbs, -ltssm, -ltssmtrace) with a number
+// Left out: the polling commands (-prbs, -ltssm, -ltssmtrace, -hweye) with a number
 // above 10000 in their words. They poll as many times as the count asks: a
 // long test the user asked for, not a hang.
 #include <cstdint>
@@ -16,7 +16,7 @@ namespace {
 bool LongPoll(const std::vector<std::string> &words) {
     bool polls = false, large = false;
     for (const std::string &word : words) {
-        if (word == "-prbs" || word == "-ltssm" || word == "-ltssmtrace") polls = true;
+        if (word == "-prbs" || word == "-ltssm" || word == "-ltssmtrace" || word == "-hweye") polls = true;
         if (strtoll(word.c_str(), nullptr, 0) > 10000) large = true;
     }
     return polls && large;

@@ -6,7 +6,8 @@
 // keeps a lock for good, so its other threads wait for ever), and menu 30
 // (port performance, which ends the process with abort() when asked for a
 // single port's counters, as the tool has always done). And the polling
-// options (29 and 31, LTSSM sampling and trace; 35, PRBS) with an answer
+// options (21, hardware eye scan; 29 and 31, LTSSM sampling and trace; 35,
+// PRBS) with an answer
 // above 10000: they poll as many times as the count asks, a long test the
 // user asked for, not a hang.
 #include <cctype>
@@ -37,7 +38,7 @@ bool ChoosesLeftOut(const uint8_t *data, size_t size) {
         if (v < INT32_MIN) v = INT32_MIN;
         uint32_t choice = static_cast<uint32_t>(static_cast<int32_t>(v));
         if (choice == 94 || choice == 30) return true;
-        if (choice == 29 || choice == 31 || choice == 35) polls = true;
+        if (choice == 21 || choice == 29 || choice == 31 || choice == 35) polls = true;
         if (v > 10000) large = true;
     }
     return polls && large;
