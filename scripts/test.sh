@@ -9,9 +9,8 @@
 # The tsan run (ThreadSanitizer) runs the whole suite; what starts threads
 # is the parallel API test (eight switches at once), the file mutexes'
 # unit tests and the state file's concurrent runs.
-# The valgrind run (memcheck) runs every fourth end-to-end case of each
-# file under valgrind: no memory error, and no leak but those listed in
-# tests/lsan.supp.
+# The valgrind run (memcheck) runs every end-to-end case under valgrind:
+# no memory error, and no leak but those listed in tests/lsan.supp.
 # The lint run: clang-tidy and cppcheck over the sources (scripts/lint.sh).
 # The fuzz run: each libFuzzer target of tests/fuzz for 30 s (scripts/fuzz.sh).
 # Last, a quick benchmark prints its figures (it never fails the run).
@@ -55,11 +54,10 @@ if want tsan; then
     ctest --test-dir build-tsan --output-on-failure -j"$jobs"
 fi
 if want valgrind; then
-  # Every fourth case (a quarter of them, from every case file) keeps the
-  # run to a few minutes on two cores; --every 1 runs them all.
+  # All of them: about ten minutes on two cores (--every N runs every Nth).
   build "${native[@]}"
   echo "=== valgrind"
-  printf '%s\0' tests/e2e/cases/*.case | xargs -0 -P"$jobs" -n1 python3 tests/e2e/run_cases.py --valgrind --every 4 \
+  printf '%s\0' tests/e2e/cases/*.case | xargs -0 -P"$jobs" -n1 python3 tests/e2e/run_cases.py --valgrind \
     --slow 5 --binary build-test/zentrelLibTest --samples build-test/sim/samples | grep -v '^ok '
 fi
 if want lint; then
