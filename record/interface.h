@@ -121,8 +121,6 @@ struct Arg {
     // A record: its runs (Portable<Record>); null for a buffer, held whole.
     const Segment *segments = nullptr;
     size_t segmentCount = 0;
-    // A pointer field of another argument's record: that record.
-    const void *parent = nullptr;
     // OutFilled: counts the bytes after the call.
     size_t (*filled)(const Arg &) = nullptr;
     uint64_t context = 0;        // for filled
@@ -174,9 +172,7 @@ template <typename Record, typename Field>
 Arg FieldArg(Kind kind, const char *name, Record *record, Field *const *field, size_t size) {
     static_assert(std::size(Portable<std::remove_cv_t<Record>>::segments) > 1,
                   "a record with pointer fields needs its runs in Portable<>");
-    Arg a = BytesArg(kind, name, record == nullptr ? nullptr : *field, size);
-    a.parent = record;
-    return a;
+    return BytesArg(kind, name, record == nullptr ? nullptr : *field, size);
 }
 
 inline Arg FilledArg(const char *name, void *bytes, size_t (*filled)(const Arg &), uint64_t context) {

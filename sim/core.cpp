@@ -273,7 +273,7 @@ std::string TraceArguments(const zrec::Arg *args, size_t count) {
         case zrec::Kind::Text:
         case zrec::Kind::FileOut:
         case zrec::Kind::DirOut:
-            if (a.parent == nullptr && a.kind == zrec::Kind::FileOut && strcmp(a.name, "file") == 0) continue;
+            if (a.kind == zrec::Kind::FileOut && strcmp(a.name, "file") == 0) continue;  // written by the library itself
             value = a.bytes == nullptr ? "null" : "\"" + std::string(static_cast<const char *>(a.bytes), strnlen(static_cast<const char *>(a.bytes), a.size == 0 ? 4096 : a.size)) + "\"";
             break;
         }

@@ -7,9 +7,8 @@
 // (port performance, which ends the process with abort() when asked for a
 // single port's counters, as the tool has always done). And the polling
 // options (21, hardware eye scan; 29 and 31, LTSSM sampling and trace; 35,
-// PRBS) with an answer
-// above 10000: they poll as many times as the count asks, a long test the
-// user asked for, not a hang.
+// PRBS) with an answer above 10000: they poll as many times as the count
+// asks, a long test the user asked for, not a hang.
 #include <cctype>
 #include <climits>
 #include <cstdint>
