@@ -3,11 +3,21 @@
 # checks in .clang-tidy) over the utility's sources in src/, and cppcheck
 # over src/ and the simulator in sim/. Any finding fails the run; the few
 # findings that are kept are suppressed in place, each with its reason.
-#   scripts/lint.sh BUILD_DIR    a build configured with
-#                                -DCMAKE_EXPORT_COMPILE_COMMANDS=ON
+#   scripts/lint.sh BUILD_DIR         a build configured with
+#                                     -DCMAKE_EXPORT_COMPILE_COMMANDS=ON
+#   scripts/lint.sh --list BUILD_DIR  only print the files each tool would
+#                                     read, relative to the project root
+# Files are chosen by their path relative to the project root, so the
+# result does not depend on where the project is checked out (a checkout
+# under ~/src/ included).
 set -euo pipefail
 cd "$(dirname "$0")/.."
-build=${1:?usage: scripts/lint.sh BUILD_DIR}
+list=0
+if [ "${1:-}" = "--list" ]; then
+  list=1
+  shift
+fi
+build=${1:?usage: scripts/lint.sh [--list] BUILD_DIR}
 jobs=$(nproc)
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
@@ -17,20 +27,47 @@ trap 'rm -rf "$work"' EXIT
 # it is nothing but the library's functions generated from
 # include/zentrel_interface.def, whose argument-list macros cppcheck cannot
 # expand (unknownMacro); the compiler checks it with every warning on.
-python3 - "$build/compile_commands.json" "$work/compile_commands.json" "$PWD" <<'PY'
-import json, sys
-entries, root, seen, kept = json.load(open(sys.argv[1])), sys.argv[3] + "/", set(), []
-for e in entries:
-    name = e["file"]
-    if name.startswith((root + "src/", root + "sim/")) and name != root + "sim/exports.cpp" and name not in seen:
-        seen.add(name)
-        kept.append(e)
-json.dump(kept, open(sys.argv[2], "w"), indent=1)
+# clang-tidy reads the files of src/ only.
+python3 - "$build/compile_commands.json" "$work" "$PWD" <<'PY'
+import json, os, sys
+database, work, root = sys.argv[1], sys.argv[2], os.path.realpath(sys.argv[3])
+
+def relative(entry):
+    """The entry's file relative to the project root, or None outside it."""
+    name = os.path.realpath(os.path.join(entry.get("directory", ""), entry["file"]))
+    rel = os.path.relpath(name, root)
+    return None if rel.startswith("..") or os.path.isabs(rel) else rel
+
+seen, kept, tidy = set(), [], []
+for e in json.load(open(database)):
+    rel = relative(e)
+    if rel is None or rel in seen or rel == "sim/exports.cpp" or not rel.startswith(("src/", "sim/")):
+        continue
+    seen.add(rel)
+    kept.append(e)
+    if rel.startswith("src/"):
+        tidy.append(rel)
+json.dump(kept, open(os.path.join(work, "compile_commands.json"), "w"), indent=1)
+with open(os.path.join(work, "cppcheck"), "w") as f:
+    f.writelines(rel + "\n" for rel in sorted(seen))
+with open(os.path.join(work, "tidy"), "w") as f:
+    f.writelines(rel + "\n" for rel in sorted(tidy))
 PY
 
+# Headers are reported when they are the utility's own: src/ and include/
+# under this root (the anchored, escaped path; .clang-tidy's own filter is
+# for editors).
+header_filter="^$(printf '%s' "$PWD" | sed 's/[][\.*^$+?(){}|]/\\&/g')/(src|include)/"
+
+if [ "$list" = 1 ]; then
+  sed 's/^/clang-tidy /' "$work/tidy"
+  sed 's/^/cppcheck /' "$work/cppcheck"
+  echo "header-filter $header_filter"
+  exit 0
+fi
+
 echo "=== clang-tidy"
-python3 -c 'import json, sys; [print(e["file"]) for e in json.load(open(sys.argv[1])) if "/src/" in e["file"]]' \
-  "$work/compile_commands.json" | xargs -P"$jobs" -n4 clang-tidy-14 -p "$work" --quiet 2>/dev/null
+xargs -P"$jobs" -n4 clang-tidy-14 -p "$work" --quiet --header-filter="$header_filter" <"$work/tidy" 2>/dev/null
 
 echo "=== cppcheck"
 cppcheck --project="$work/compile_commands.json" --enable=warning,performance,portability --std=c++20 \
