@@ -22,7 +22,7 @@ import sys
 import tempfile
 
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "e2e"))
-from run_cases import expand, parse_cases  # noqa: E402
+from run_cases import expand, parse_cases, parse_rows  # noqa: E402
 
 HEADER = "zentrel-recording 1\n"
 
@@ -89,6 +89,8 @@ def roundtrip(args, case, work, state_dir):
     runs = [(h.get("args", ""), expand(s["stdin"], "stdin") if "stdin" in s else "")]
     if "then" in h:
         runs.append((h["then"], expand(s["then stdin"], "then stdin") if "then stdin" in s else ""))
+    if "rows" in s:
+        runs = [(words, runs[0][1]) for _, words, _, _ in parse_rows(case, "rows")]
     recorded, replayed = os.path.join(work, "recorded"), os.path.join(work, "replayed")
     prepare(args, case, recorded)
     prepare(args, case, replayed)
